@@ -1,0 +1,30 @@
+# The two commands of the README: `make run` and `make test`.
+BUILD ?= build
+BUILD_TYPE ?= RelWithDebInfo
+
+.PHONY: all deps build run test bench clean format
+
+all: build
+
+deps:
+	@tools/install-deps.sh
+
+build: deps
+	@if [ ! -f $(BUILD)/build.ninja ]; then \
+	  cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=$(BUILD_TYPE); fi
+	cmake --build $(BUILD)
+
+run: build
+	$(BUILD)/bin/korvane
+
+test: build
+	ctest --test-dir $(BUILD) --output-on-failure
+
+bench: build
+	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b || exit 1; done
+
+format:
+	clang-format -i $$(git ls-files '*.cpp' '*.h')
+
+clean:
+	rm -rf $(BUILD)

@@ -1,0 +1,60 @@
+-- The empty song catalogue that the build places in the install folder and the
+-- program copies into the working folder on a first start.
+--
+-- Text compares ignore case (as the program's queries expect), except file
+-- paths, which name files on a case-sensitive file system.
+-- Kamikaze and Error are yes/no columns: any non-zero value is stored as -1.
+
+PRAGMA page_size = 4096;
+
+CREATE TABLE tblKaraokeTracks (
+    KaraokeTrackID INTEGER PRIMARY KEY AUTOINCREMENT,
+    ArtistName     TEXT(255) COLLATE NOCASE,
+    TrackName      TEXT(255) COLLATE NOCASE,
+    DiscName       TEXT(255) COLLATE NOCASE,
+    TrackNo        TEXT(100) COLLATE NOCASE,
+    FileName       TEXT COLLATE NOCASE,
+    TrackPath      TEXT COLLATE BINARY,
+    DiscId         INTEGER,
+    Kamikaze       INTEGER NOT NULL DEFAULT 0,
+    Error          INTEGER NOT NULL DEFAULT 0,
+    Notes          TEXT COLLATE NOCASE
+);
+
+-- A file is catalogued once.
+CREATE UNIQUE INDEX idxTrackPath ON tblKaraokeTracks (TrackPath);
+
+CREATE TRIGGER trgTracksYesNoInsert AFTER INSERT ON tblKaraokeTracks
+WHEN (NEW.Kamikaze <> 0 AND NEW.Kamikaze <> -1) OR (NEW.Error <> 0 AND NEW.Error <> -1)
+BEGIN
+    UPDATE tblKaraokeTracks
+       SET Kamikaze = CASE WHEN Kamikaze <> 0 THEN -1 ELSE 0 END,
+           Error = CASE WHEN Error <> 0 THEN -1 ELSE 0 END
+     WHERE KaraokeTrackID = NEW.KaraokeTrackID;
+END;
+
+CREATE TRIGGER trgTracksYesNoUpdate AFTER UPDATE OF Kamikaze, Error ON tblKaraokeTracks
+WHEN (NEW.Kamikaze <> 0 AND NEW.Kamikaze <> -1) OR (NEW.Error <> 0 AND NEW.Error <> -1)
+BEGIN
+    UPDATE tblKaraokeTracks
+       SET Kamikaze = CASE WHEN Kamikaze <> 0 THEN -1 ELSE 0 END,
+           Error = CASE WHEN Error <> 0 THEN -1 ELSE 0 END
+     WHERE KaraokeTrackID = NEW.KaraokeTrackID;
+END;
+
+CREATE TABLE tblQueue (
+    QueuePos      INTEGER,
+    PerformerName TEXT(255) COLLATE NOCASE,
+    ArtistName    TEXT(255) COLLATE NOCASE,
+    TrackName     TEXT(255) COLLATE NOCASE,
+    SongKey       INTEGER,
+    TrackPath     TEXT COLLATE BINARY
+);
+
+CREATE TABLE tblKaraokeTrackHistory (
+    SingerName TEXT(255) COLLATE NOCASE,
+    Artist     TEXT(255) COLLATE NOCASE,
+    Title      TEXT(255) COLLATE NOCASE,
+    [Key]      INTEGER,
+    TrackPath  TEXT COLLATE BINARY
+);

@@ -1,0 +1,252 @@
+#include "database.h"
+
+#include "core/capplicationpaths.h"
+#include "core/errorlog.h"
+#include "core/globals.h"
+#include "core/kverror.h"
+#include "core/pathhelpers.h"
+#include "core/prompts.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QSqlError>
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+namespace {
+
+const QString kFailedTitle = QStringLiteral("Database connection failed");
+const QString kCompactSource = QStringLiteral("KvApp.frmMain.DatabaseCompact");
+const QString kOpenSource = QStringLiteral("KvApp.modMain.OpenDatabase");
+
+QString dataFolder() { return AddBackslash(oApplicationPaths->ApplicationDataPath()); }
+
+// Reads the first 100 bytes of a would-be catalogue and tells what is wrong
+// with it, or an empty text when it looks like a whole SQLite file.
+QString headerProblem(const QString& path) {
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly))
+        return QStringLiteral("it cannot be read: ") + f.errorString();
+    const qint64 size = f.size();
+    if (size == 0)
+        return QStringLiteral("the file is empty");
+    const QByteArray h = f.read(100);
+    if (h.size() < 100 || !h.startsWith(QByteArrayLiteral("SQLite format 3\0")))
+        return QStringLiteral("it is not a song catalogue of this program");
+    auto be32 = [&](int at) {
+        return (quint32(quint8(h[at])) << 24) | (quint32(quint8(h[at + 1])) << 16) |
+               (quint32(quint8(h[at + 2])) << 8) | quint32(quint8(h[at + 3]));
+    };
+    quint32 pageSize = (quint32(quint8(h[16])) << 8) | quint8(h[17]);
+    if (pageSize == 1)
+        pageSize = 65536;
+    const quint32 pages = be32(28);
+    // The page count in the header is valid when its change counter matches.
+    if (pages != 0 && be32(24) == be32(92) && qint64(pages) * pageSize > size)
+        return QStringLiteral("the file is cut short");
+    return {};
+}
+
+void tellCannotOpen(const QString& path, const QString& reason) {
+    prompts().msgBox(QStringLiteral("The song catalogue cannot be opened: %1\n%2\n\n"
+                                    "Korvane will close. The file has been left as it is.")
+                         .arg(reason, QDir::toNativeSeparators(path)),
+                     Prompts::Exclamation, kFailedTitle);
+}
+
+bool tableExists(QSqlDatabase& db, const QString& table) {
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name=? COLLATE NOCASE"));
+    q.addBindValue(table);
+    return q.exec() && q.next();
+}
+
+// Syncs a file to disk, so that a compact copy is whole before its source goes.
+void syncFile(const QString& path) {
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+}
+
+} // namespace
+
+QSqlDatabase dbConnection() { return QSqlDatabase::database(kConnectionName, false); }
+
+bool IsDatabaseOpen() { return QSqlDatabase::contains(kConnectionName) && dbConnection().isOpen(); }
+
+void CloseDatabase() {
+    if (!QSqlDatabase::contains(kConnectionName))
+        return;
+    {
+        QSqlDatabase db = dbConnection();
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(kConnectionName);
+}
+
+bool OpenDatabase() {
+    if (FileExists(oApplicationPaths->CompactedDatabase()))
+        RecoverInterruptedCompaction(false);
+
+    const QString path = dataFolder() + QStringLiteral("kvsonglist.mdb");
+    if (!FileExists(path)) {
+        prompts().msgBox(QStringLiteral("This application is not installed correctly, database does not exist"),
+                         Prompts::Exclamation, kFailedTitle);
+        return false;
+    }
+    if (const QString problem = headerProblem(path); !problem.isEmpty()) {
+        tellCannotOpen(path, problem);
+        return false;
+    }
+    if (!QFileInfo(path).isWritable()) {
+        tellCannotOpen(path, QStringLiteral("the file is read-only"));
+        return false;
+    }
+
+    CloseDatabase();
+    QString failure;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), kConnectionName);
+        db.setDatabaseName(path);
+        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=2000"));
+        if (!db.open()) {
+            failure = db.lastError().text();
+        } else {
+            QSqlQuery probe(db);
+            if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")))
+                failure = probe.lastError().databaseText();
+            else if (!tableExists(db, QStringLiteral("tblKaraokeTracks")) &&
+                     !tableExists(db, QStringLiteral("tblImport")))
+                failure = QStringLiteral("it is not a song catalogue of this program");
+        }
+    }
+    if (!failure.isEmpty()) {
+        CloseDatabase();
+        tellCannotOpen(path, failure);
+        return false;
+    }
+    return true;
+}
+
+void Archive(const QString& file, const QString& folder) {
+    const QFileInfo fi(file);
+    const QString name = fi.fileName();
+    const int firstDot = name.indexOf(QLatin1Char('.'));
+    const int lastDot = name.lastIndexOf(QLatin1Char('.'));
+    const QString stem = firstDot < 0 ? name : name.left(firstDot);
+    const QString ext = lastDot < 0 ? QString() : name.mid(lastDot + 1);
+    QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy hh:mm:ss"));
+    stamp.replace(QLatin1Char(':'), QLatin1Char('-')).replace(QLatin1Char('/'), QLatin1Char('-'));
+    QDir().mkpath(folder);
+    const QString target = AddBackslash(folder) + stem + QLatin1Char('.') + stamp + QLatin1Char('.') + ext;
+    QFile::remove(target);
+    if (!QFile::copy(file, target))
+        throw KvError(0, QStringLiteral("File copy failed"), QStringLiteral("KvApp.modMain.Archive"));
+}
+
+void RecoverInterruptedCompaction(bool deleteOnly) {
+    const QString main = oApplicationPaths->ApplicationDatabaseFile();
+    const QString temp = oApplicationPaths->CompactedDatabase();
+    if (!FileExists(temp)) {
+        prompts().msgBox(QStringLiteral("No fix is required"), Prompts::Information, QStringLiteral("Korvane"));
+        return;
+    }
+    const QString docs = oApplicationPaths->ApplicationDocuments();
+    if (!deleteOnly) {
+        Guarded(kOpenSource, 1, [&] { Archive(main, docs); });
+        Guarded(kOpenSource, 2, [&] {
+            if (!QFile::remove(main))
+                throw KvError(53, QStringLiteral("File not found: ") + main);
+        });
+    } else if (FileExists(main)) {
+        QFile::remove(main);
+    }
+    Guarded(kOpenSource, 3, [&] { Archive(temp, docs); });
+    Guarded(kOpenSource, 4, [&] {
+        if (!QFile::rename(temp, main))
+            throw KvError(75, QStringLiteral("Path/File access error: ") + temp);
+    });
+}
+
+bool CompactTheDatabase(const QString& source, const QString& destination) {
+    bool ok = false;
+    Guarded(QStringLiteral("KvApp.modMain.CompactTheDatabase"), 1, [&] {
+        // The compact copy is written by SQLite itself from a private connection
+        // to the moved file.
+        sqlite3* db = nullptr;
+        if (sqlite3_open_v2(QFile::encodeName(source).constData(), &db, SQLITE_OPEN_READWRITE, nullptr) !=
+            SQLITE_OK) {
+            const QString why = QString::fromUtf8(sqlite3_errmsg(db));
+            sqlite3_close(db);
+            throw KvError(0, why);
+        }
+        sqlite3_busy_timeout(db, 2000);
+        const QByteArray sql =
+            "VACUUM INTO '" + QFile::encodeName(destination).replace("'", "''") + "'";
+        char* err = nullptr;
+        const int rc = sqlite3_exec(db, sql.constData(), nullptr, nullptr, &err);
+        const QString why = err ? QString::fromUtf8(err) : QString();
+        sqlite3_free(err);
+        sqlite3_close(db);
+        if (rc != SQLITE_OK)
+            throw KvError(rc, why);
+        syncFile(destination);
+        ok = true;
+    });
+    return ok;
+}
+
+void DatabaseCompact() {
+    const QString folder = oApplicationPaths->ApplicationDataPath();
+    const QString main = folder + QStringLiteral("/kvsonglist.mdb");
+    const QString temp = folder + QStringLiteral("/kvSongListTemp.mdb");
+    Guarded(kCompactSource, 1, [] { CloseDatabase(); });
+    bool moved = false;
+    Guarded(kCompactSource, 2, [&] {
+        if (!QFile::rename(main, temp))
+            throw KvError(75, QStringLiteral("Path/File access error: ") + main);
+        moved = true;
+    });
+    bool compacted = false;
+    if (moved)
+        compacted = CompactTheDatabase(temp, main);
+    if (compacted)
+        Guarded(kCompactSource, 3, [&] { QFile::remove(temp); });
+    Guarded(kCompactSource, 4, [] { OpenDatabase(); });
+}
+
+bool CheckForOldDatabase() {
+    QSqlDatabase db = dbConnection();
+    for (const char* sql : {"Select * from tblImport", "Select * from KaraokeTracks"}) {
+        QSqlQuery q(db);
+        if (!q.exec(QString::fromLatin1(sql)))
+            return false;
+    }
+    return true;
+}
+
+QString MakeSafeSql(const QString& text) {
+    if (text.isEmpty())
+        return text;
+    QString s = text;
+    s.replace(QLatin1Char('\''), QStringLiteral("''"));
+    return s;
+}
+
+QSqlQuery ExecuteSql(const QString& sql) {
+    QSqlDatabase db = dbConnection();
+    if (!db.isOpen())
+        throw KvError(3704, QStringLiteral("Operation is not allowed when the object is closed."));
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    if (!q.exec(sql))
+        throw KvError(q.lastError().nativeErrorCode().toInt(), q.lastError().databaseText());
+    return q;
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+
+// The one connection to the song catalogue, shared by every part of the
+// program, and the compaction of the catalogue file with its recovery.
+
+inline const QString kConnectionName = QStringLiteral("dbConnection");
+
+// The shared connection (not valid while closed).
+QSqlDatabase dbConnection();
+bool IsDatabaseOpen();
+
+// Opens the catalogue of the data folder, first recovering from a compaction
+// that was cut short. Tells the host and returns false when the catalogue is
+// missing or cannot be used; the file is then left as it is.
+bool OpenDatabase();
+// Closes and drops the shared connection.
+void CloseDatabase();
+// A leftover kvSongListTemp.mdb may be the only whole catalogue: archive both
+// files to the documents folder and put the temporary one in place.
+// `deleteOnly` drops the main file without archiving it.
+void RecoverInterruptedCompaction(bool deleteOnly);
+// Copies `file` into `folder` as stem.<date and time>.extension, overwriting.
+void Archive(const QString& file, const QString& folder);
+// Compacts the catalogue: move it aside, write a compact copy in its place,
+// delete the moved file, open again.
+void DatabaseCompact();
+bool CompactTheDatabase(const QString& source, const QString& destination);
+// True when the catalogue is of the old layout (it has tblImport and KaraokeTracks).
+bool CheckForOldDatabase();
+
+// Doubles every single quote of a value that goes into an SQL literal.
+QString MakeSafeSql(const QString& text);
+
+// Runs one statement on the shared connection and returns it, positioned before
+// its first row. Throws a KvError with the driver's text when it fails. Text
+// after the first statement is an error, never a second statement.
+QSqlQuery ExecuteSql(const QString& sql);

@@ -1,0 +1,88 @@
+#include "errorlog.h"
+
+#include "capplicationpaths.h"
+#include "globals.h"
+#include "kverror.h"
+#include "pathhelpers.h"
+#include "prompts.h"
+#include "version.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QLocale>
+
+namespace {
+
+const QByteArray kRule(62, '-');
+const QString kSupportAddress = QStringLiteral("support@korvane.app");
+
+QString logFolder() {
+    if (!WorkingFolder.isEmpty())
+        return WorkingFolder;
+    return AddBackslash(cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder()));
+}
+
+void appendRecord(const QStringList& details) {
+    QByteArray rec;
+    rec += kRule + '\n';
+    rec += kv::versionText().toUtf8() + '\n';
+    rec += QLocale::system().toString(QDateTime::currentDateTime(), QLocale::ShortFormat).toUtf8() + '\n';
+    for (const QString& d : details)
+        rec += d.toUtf8() + '\n';
+    rec += kRule + '\n';
+    rec += '\n';
+    QFile f(errorLogPath());
+    // Not guarded: a log that cannot be written is the caller's failure.
+    if (!f.open(QIODevice::WriteOnly | QIODevice::Append) || f.write(rec) != rec.size())
+        throw KvError(0, QStringLiteral("The error log cannot be written: ") + f.errorString(),
+                      QStringLiteral("KVError.log"));
+    f.close();
+}
+
+void showErrorBox() { prompts().msgBox(errorBoxText(), Prompts::Critical, QStringLiteral("Korvane Error")); }
+
+} // namespace
+
+QString errorLogPath() { return logFolder() + QStringLiteral("KVError.log"); }
+
+QString errorBoxText() {
+    return QStringLiteral("An Error has occured, please send the KVError.log from the ") + WorkingFolder +
+           QStringLiteral(" folder to ") + kSupportAddress;
+}
+
+void LogError(const QString& description, const QString& source, qint32 line) {
+    appendRecord({description, source, QString::number(line)});
+    showErrorBox();
+}
+
+void LogErrorEx(const QString& source, qint32 number, const QString& description, qint32 line) {
+    appendRecord({description, QString::number(number), source, QString::number(line)});
+    showErrorBox();
+}
+
+void ShowApplicationError(const QString& description, const QString& place, qint32 line) {
+    prompts().msgBox(description + QLatin1Char('\n') + place + QStringLiteral("at line ") + QString::number(line),
+                     Prompts::Critical, QStringLiteral("Application Error"));
+}
+
+QString describeException(std::exception_ptr e) {
+    try {
+        std::rethrow_exception(e);
+    } catch (const KvError& k) {
+        return k.description();
+    } catch (const std::exception& s) {
+        return QString::fromUtf8(s.what());
+    } catch (...) {
+        return QStringLiteral("Unknown error");
+    }
+}
+
+bool Guarded(const QString& source, qint32 line, const std::function<void()>& step) {
+    try {
+        step();
+        return true;
+    } catch (...) {
+        LogError(describeException(std::current_exception()), source, line);
+        return false;
+    }
+}

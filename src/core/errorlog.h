@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <exception>
+#include <functional>
+
+// The error log: KVError.log in the working folder, one record appended per
+// call (the file is made when absent), then the "Korvane Error" box.
+// The common form: description, source, line.
+void LogError(const QString& description, const QString& source, qint32 line);
+// The long form: description, number, source, line.
+void LogErrorEx(const QString& source, qint32 number, const QString& description, qint32 line);
+
+// The path of the log and the text of the box that follows each record.
+QString errorLogPath();
+QString errorBoxText();
+
+// The older pattern, which writes no log: an "Application Error" box with the
+// description, the place and the line.
+void ShowApplicationError(const QString& description, const QString& place, qint32 line);
+
+// The description of whatever a guarded step threw.
+QString describeException(std::exception_ptr e);
+
+// One step of a guarded procedure: runs `step`; a failure is logged under
+// `source` with `line`, the host is told, and the caller goes on with its next
+// step. Returns false when the step failed.
+bool Guarded(const QString& source, qint32 line, const std::function<void()>& step);

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+// Makes the working folder when it is missing and seeds it from the install
+// folder's templates; sets WorkingFolder. Runs three times in each start.
+void CheckWorkingFolder();
+// Copies "settings.ini" and "kvsonglist.mdb" from the install folder into the
+// working folder, each only when the working folder lacks it: a host's own
+// settings and catalogue are never replaced.
+void CopyApplicationFiles(const QString& workingFolder, const QString& installFolder);
+// The /reset move: every catalogue file of the data folder goes to the
+// documents folder; the settings stay.
+void MoveCataloguesToDocuments();
+// Deletes the Temp folder of the working folder (at exit).
+void RemoveTempFolder();

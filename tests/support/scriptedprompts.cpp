@@ -1,0 +1,67 @@
+#include "scriptedprompts.h"
+
+ScriptedPrompts::ScriptedPrompts() { setPrompts(this); }
+ScriptedPrompts::~ScriptedPrompts() { setPrompts(nullptr); }
+
+QVariant ScriptedPrompts::next() { return m_answers.isEmpty() ? QVariant() : m_answers.dequeue(); }
+
+QStringList ScriptedPrompts::boxTitles() const {
+    QStringList t;
+    for (const auto& c : calls)
+        if (c.kind == QLatin1String("msgBox"))
+            t << c.title;
+    return t;
+}
+
+int ScriptedPrompts::countTitle(const QString& title) const { return int(boxTitles().count(title)); }
+
+int ScriptedPrompts::msgBox(const QString& text, int style, const QString& title) {
+    calls.append({QStringLiteral("msgBox"), title, text, style});
+    const QVariant a = next();
+    if (a.isValid())
+        return a.toInt();
+    switch (style & 0x0F) {
+    case YesNo:
+    case YesNoCancel: return Yes;
+    case AbortRetryIgnore: return Abort;
+    case RetryCancel: return Retry;
+    default: return Ok;
+    }
+}
+
+std::optional<QString> ScriptedPrompts::inputBox(const QString& text, const QString& title, const QString&) {
+    calls.append({QStringLiteral("inputBox"), title, text, 0});
+    const QVariant a = next();
+    if (!a.isValid())
+        return std::nullopt;
+    return a.toString();
+}
+
+QString ScriptedPrompts::nextText(const QString& kind, const QString& title, const QString& text) {
+    calls.append({kind, title, text, 0});
+    return next().toString();
+}
+
+QString ScriptedPrompts::openFile(const QString& title, const QString& folder, const QString&) {
+    return nextText(QStringLiteral("openFile"), title, folder);
+}
+QString ScriptedPrompts::saveFile(const QString& title, const QString& path, const QString&) {
+    return nextText(QStringLiteral("saveFile"), title, path);
+}
+QString ScriptedPrompts::chooseFolder(const QString& title, const QString& folder) {
+    return nextText(QStringLiteral("chooseFolder"), title, folder);
+}
+std::optional<QColor> ScriptedPrompts::chooseColor(const QColor&) {
+    calls.append({QStringLiteral("chooseColor"), {}, {}, 0});
+    const QVariant a = next();
+    if (!a.isValid())
+        return std::nullopt;
+    return a.value<QColor>();
+}
+std::optional<QFont> ScriptedPrompts::chooseFont(const QFont&) {
+    calls.append({QStringLiteral("chooseFont"), {}, {}, 0});
+    const QVariant a = next();
+    if (!a.isValid())
+        return std::nullopt;
+    return a.value<QFont>();
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "core/prompts.h"
+
+#include <QList>
+#include <QQueue>
+#include <QString>
+#include <QVariant>
+
+// Prompts for tests: answers come from a script, in order, and every prompt is
+// recorded. When the script runs dry a box answers its first button and a
+// dialog is cancelled.
+class ScriptedPrompts : public Prompts {
+public:
+    struct Call {
+        QString kind;  // "msgBox", "inputBox", "openFile", "saveFile", "chooseFolder", "chooseColor", "chooseFont"
+        QString title;
+        QString text;
+        int style = 0;
+    };
+
+    ScriptedPrompts();
+    ~ScriptedPrompts() override;
+
+    // Queue answers: a button number for a box, a text (or a null QVariant for
+    // cancel) for an input box or a chooser, a QColor or QFont for those dialogs.
+    void answer(const QVariant& a) { m_answers.enqueue(a); }
+
+    QList<Call> calls;
+    // The titles of the message boxes shown, in order.
+    QStringList boxTitles() const;
+    int countTitle(const QString& title) const;
+
+    int msgBox(const QString& text, int style, const QString& title) override;
+    std::optional<QString> inputBox(const QString& text, const QString& title, const QString& def) override;
+    QString openFile(const QString& title, const QString& folder, const QString& filter) override;
+    QString saveFile(const QString& title, const QString& path, const QString& filter) override;
+    QString chooseFolder(const QString& title, const QString& folder) override;
+    std::optional<QColor> chooseColor(const QColor& initial) override;
+    std::optional<QFont> chooseFont(const QFont& initial) override;
+
+private:
+    QVariant next();
+    QString nextText(const QString& kind, const QString& title, const QString& text);
+    QQueue<QVariant> m_answers;
+};
