@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QStringList>
+
+namespace kvtool {
+
+// Makes the shared objects as the program's start-up does (paths, the seeded
+// working folder, settings) and opens the catalogue; false with a message on
+// standard error when the catalogue cannot be opened.
+bool openWorkingFolder();
+
+// The two commands; each returns the process's exit code.
+int runImport(const QStringList& args);
+int runSearch(const QStringList& args);
+
+} // namespace kvtool
