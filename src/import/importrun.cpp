@@ -1,0 +1,212 @@
+#include "importrun.h"
+
+#include "catalogue/database.h"
+#include "core/errorlog.h"
+#include "core/kverror.h"
+#include "core/prompts.h"
+#include "importsession.h"
+#include "importtransaction.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QThread>
+
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <sys/stat.h>
+
+namespace {
+
+const QString kRunSource = QStringLiteral("KvApp.frmImportSongs.btnGetTracks_Click");
+const QString kCountSource = QStringLiteral("KvApp.frmImportSongs.RefreshTrackCount");
+// The walk's errors carry the name it had when it lived on the options screen.
+const QString kWalkPlace = QStringLiteral("in KvApp.frmOptions.SearchForFiles ");
+const QString kFindTracks = QStringLiteral("Find Tracks");
+const QString kCancelImport = QStringLiteral("Cancel Import");
+
+// Line labels of the walk, as its error box reports them.
+constexpr int kLineOpenFolder = 3;
+constexpr int kLineNextEntry = 6;
+
+QString systemError(int err) {
+    return QString::fromLocal8Bit(std::strerror(err));
+}
+
+} // namespace
+
+const QString ImportRun::kSongFilePattern =
+    QStringLiteral("*.zip; *.mp3; *.wma; *.ogg; *.mpg; *.dat; *.avi; *.divx; *.mp4");
+
+bool IsFolder(const QString& path) {
+    return !path.isEmpty() && QFileInfo(path).isDir();
+}
+
+QString EnsureTrailingSlash(const QString& path) {
+    return path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
+}
+
+ImportRun::ImportRun(QObject* parent) : QObject(parent), m_pump([] { QCoreApplication::processEvents(); }) {}
+
+void ImportRun::setEventPump(std::function<void()> pump) {
+    m_pump = pump;
+    m_importer.setEventPump(std::move(pump));
+}
+
+void ImportRun::pump() {
+    if (m_pump)
+        m_pump();
+}
+
+void ImportRun::GetTracks(const QString& folderText, int convention) {
+    if (ImportRunning) {
+        const int answer =
+            prompts().msgBox(QStringLiteral("Are you sure you wish to cancel the import?"),
+                             Prompts::OkCancel | Prompts::Question, QStringLiteral("Cancel Import"));
+        if (answer == Prompts::Ok) {
+            CancelRequested = true;
+            emit buttonCaptionChanged(kFindTracks);
+        }
+    } else if (!IsFolder(folderText)) {
+        prompts().msgBox(QStringLiteral("Please choose a valid folder"), Prompts::Exclamation,
+                         QStringLiteral("Invalid Folder"));
+    } else {
+        runImport(folderText, convention);
+    }
+    RefreshTrackCount();
+    emit statusChanged(QString::number(importSession().NewTrackCount) +
+                       QStringLiteral(" new tracks were imported."));
+    emit busyChanged(false);
+    emit transferEnabled();
+}
+
+void ImportRun::runImport(const QString& folderText, int convention) {
+    ++m_runDepth;
+    m_importer.ProcessedCount = 0;
+    emit busyChanged(true);
+    emit buttonCaptionChanged(kCancelImport);
+    ImportRunning = true;
+    CancelRequested = false;
+    m_importer.ConventionNumber = convention;
+    RootFolder = EnsureTrailingSlash(folderText);
+    m_matcher = FilePatternMatcher(kSongFilePattern);
+
+    Guarded(kRunSource, 5, [] { BeginTrans(); });
+    SearchForFiles(RootFolder);
+    if (m_settlePauseMs > 0)
+        QThread::msleep(m_settlePauseMs);
+    emit statusChanged(QStringLiteral("Import Completed"));
+    Guarded(kRunSource, 9, [this] {
+        if (CancelRequested)
+            RollbackTrans();
+        else
+            CommitTrans();
+    });
+    emit buttonCaptionChanged(kFindTracks);
+    CancelRequested = false;
+    ImportRunning = false;
+    emit transferEnabled();
+    // A run started from inside another one (between two of its folders) leaves
+    // the compaction to the outer run: closing the connection now would drop
+    // the outer run's open batch.
+    if (m_compactAfterRun && m_runDepth == 1)
+        DatabaseCompact();
+    emit busyChanged(false);
+    --m_runDepth;
+}
+
+void ImportRun::SearchForFiles(const QString& folder) {
+    std::set<FolderId> visited;
+    walk(folder, QFile::encodeName(folder), visited);
+}
+
+bool ImportRun::isFolderEntry(const QByteArray& path, unsigned char type) const {
+    if (type == DT_DIR)
+        return true;
+    if (type != DT_LNK && type != DT_UNKNOWN)
+        return false;
+    // Links are followed: a linked folder is walked like any other (once).
+    struct stat st;
+    return ::stat(path.constData(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::set<FolderId>& visited) {
+    if (CancelRequested) {
+        ImportRunning = false;
+        return;
+    }
+    ImportRunning = true;
+
+    DIR* dir = ::opendir(folderBytes.constData());
+    if (!dir) {
+        ShowApplicationError(systemError(errno) + QStringLiteral(": ") + folder, kWalkPlace, kLineOpenFolder);
+        return;
+    }
+    // A folder reached a second time (through a link) is not walked again, so
+    // that a link back up the tree cannot make the walk endless.
+    struct stat self;
+    const bool seen = ::fstat(::dirfd(dir), &self) == 0 &&
+                      !visited.emplace(quint64(self.st_dev), quint64(self.st_ino)).second;
+
+    QByteArray childBytes;
+    errno = 0;
+    while (!seen) {
+        const dirent* entry = ::readdir(dir);
+        if (!entry) {
+            if (errno != 0) {
+                const int err = errno;
+                ::closedir(dir);
+                ShowApplicationError(systemError(err) + QStringLiteral(": ") + folder, kWalkPlace,
+                                     kLineNextEntry);
+                return;
+            }
+            break;
+        }
+        if (CancelRequested) {
+            m_importer.ProcessedCount = 0;
+            break;
+        }
+        const char* rawName = entry->d_name;
+        if (rawName[0] != '.') {
+            childBytes = folderBytes;
+            childBytes += rawName;
+            const QString name = QFile::decodeName(rawName);
+            if (isFolderEntry(childBytes, entry->d_type)) {
+                if (CancelRequested)
+                    break;
+                childBytes += '/';
+                walk(folder + name + QLatin1Char('/'), childBytes, visited);
+            } else if (m_matcher.matches(name)) {
+                const bool kamikaze = m_kamikaze && m_kamikaze();
+                const QString path = folder + name;
+                m_importer.AddToImportDatabase(path, kamikaze);
+                if (m_importer.ProcessedCount % 50 == 0) {
+                    emit progressPath(path);
+                    pump();
+                }
+            }
+        }
+        if (m_importer.ProcessedCount % 100 == 0)
+            pump();
+        errno = 0;
+    }
+    ::closedir(dir);
+    ImportRunning = false;
+}
+
+qint64 ImportRun::RefreshTrackCount() {
+    qint64 count = -1;
+    try {
+        QSqlQuery q = ExecuteSql(
+            QStringLiteral("SELECT Count(KaraokeTrackID) AS CountOfTracks FROM tblKaraokeTracks;"));
+        if (q.next())
+            count = q.value(0).toLongLong();
+    } catch (const KvError& e) {
+        LogErrorEx(kCountSource, e.number(), e.description(), 1);
+        return -1;
+    }
+    emit totalCountChanged(QStringLiteral("Total count of tracks in the database is ") +
+                           QString::number(count));
+    return count;
+}

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "filepatternmatcher.h"
+#include "trackimporter.h"
+
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <set>
+#include <utility>
+
+// One import of a folder tree into the catalogue, without a screen: the
+// import screen forwards its buttons here and shows what the signals say.
+//
+// The walk keeps the screen alive by processing pending events (once per row,
+// and every 50th and 100th file), and everything that reaches it while it runs
+// (a cancel, a close, a second click on the button) does so through the flags
+// ImportRunning and CancelRequested alone.
+class ImportRun : public QObject {
+    Q_OBJECT
+public:
+    explicit ImportRun(QObject* parent = nullptr);
+
+    // The files an import takes.
+    static const QString kSongFilePattern;
+
+    // The button "Find Tracks": during a run, asks whether to cancel it;
+    // otherwise imports `folderText` by `convention` when it is a folder. Both
+    // ways end with the count of the catalogue and of the new tracks.
+    void GetTracks(const QString& folderText, int convention);
+    // Walks `folder` (with a trailing separator) and everything below it,
+    // handing every song file to AddToImportDatabase.
+    void SearchForFiles(const QString& folder);
+    // Counts the catalogue's rows, shows the count and returns it (-1 when the
+    // count failed).
+    qint64 RefreshTrackCount();
+
+    bool ImportRunning = false;
+    bool CancelRequested = false;
+    // The root of the run, with a trailing separator.
+    QString RootFolder;
+
+    TrackImporter& importer() { return m_importer; }
+    qint32 processedCount() const { return m_importer.ProcessedCount; }
+
+    // Read afresh for every file: whether its row is a kamikaze track.
+    void setKamikazeSource(std::function<bool()> source) { m_kamikaze = std::move(source); }
+    // What keeps the screen alive (the application's pending events unless replaced).
+    void setEventPump(std::function<void()> pump);
+    // The run waits this long after the walk before it ends (1000 ms), so
+    // that the last progress can be read.
+    void setSettlePause(int ms) { m_settlePauseMs = ms; }
+    // Whether the catalogue is compacted after each run (it is, unless a
+    // measurement of the walk alone turns it off).
+    void setCompactAfterRun(bool on) { m_compactAfterRun = on; }
+
+signals:
+    // Caption of the run's button: "Cancel Import" while running, "Find Tracks" otherwise.
+    void buttonCaptionChanged(const QString& caption);
+    // The hourglass on (true) or off.
+    void busyChanged(bool busy);
+    // A text for the status label.
+    void statusChanged(const QString& text);
+    // The file being imported, every 50th file; the screen shortens it to its label.
+    void progressPath(const QString& path);
+    // The text of the catalogue count label.
+    void totalCountChanged(const QString& text);
+    // The run has ended (or was refused); the transfer button is enabled again.
+    void transferEnabled();
+
+private:
+    using FolderId = std::pair<quint64, quint64>;
+    void runImport(const QString& folderText, int convention);
+    void walk(const QString& folder, const QByteArray& folderBytes, std::set<FolderId>& visited);
+    bool isFolderEntry(const QByteArray& path, unsigned char type) const;
+    void pump();
+
+    TrackImporter m_importer;
+    FilePatternMatcher m_matcher;
+    std::function<bool()> m_kamikaze;
+    std::function<void()> m_pump;
+    int m_settlePauseMs = 1000;
+    bool m_compactAfterRun = true;
+    int m_runDepth = 0;
+};
+
+// True when `path` names a folder; false for anything else, or nothing.
+bool IsFolder(const QString& path);
+// Appends the folder separator unless the text already ends in one.
+QString EnsureTrailingSlash(const QString& path);

@@ -1,0 +1,6 @@
+#include "importsession.h"
+
+ImportSession& importSession() {
+    static ImportSession session;
+    return session;
+}
