@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QMainWindow>
+#include <array>
+
+class QCheckBox;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QPushButton;
+class QTableView;
+class QTimer;
+class frmSplash;
+
+// The host's one working screen. It is created first and owns the start-up
+// and the shutdown of the program; its controls carry the names the rest of
+// the program knows them by (each also its objectName()).
+class frmMain : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit frmMain(QWidget* parent = nullptr);
+    ~frmMain() override;
+
+    // The start-up as a whole. Returns false when the program must end (the
+    // reason has been told to the host). `commandLine` is the arguments joined
+    // by blanks.
+    bool Form_Load(const QString& commandLine);
+    // The shutdown, in its order; runs once, from the window's close.
+    void Form_Unload();
+
+    // The splash's least time on screen (five seconds for a host).
+    void setSplashMinimumMs(int ms) { m_splashMinimumMs = ms; }
+    // True once the splash has gone and the main window is shown.
+    bool isReady() const { return m_ready; }
+
+    // Controls, by frame.
+    QFrame *fraTrackDetails, *fraPlayControl, *fraKeyChange, *fraBalance, *fraKami, *fraMpx, *fraJingles;
+    QFrame *fraSearch, *fraQueue, *fraQueueButtons, *fraOptions, *fraLyrics;
+    QLineEdit* txtSearch;
+    QPushButton *btnSearch, *btnClearSearch, *cmdFF;
+    QTableView* olvSearchResults;
+    QTableView* OsenXPListBox1;
+    std::array<QPushButton*, 5> btnQueueOptions;
+    QPushButton* btnClearQueue;
+    QPushButton *btnUpdateNP, *btnClearNP, *cmdImport, *btnOptions, *btnHistory;
+    QPushButton *btnPlayTrack, *btnStop, *btnPause, *btnRestart;
+    QPushButton *btnKeyDown, *btnKeyReset, *btnKeyUp;
+    std::array<QPushButton*, 3> btnBalance;
+    QPushButton* btnKami;
+    QCheckBox* OseChkVocals;
+    std::array<QPushButton*, 16> cmdJingle;
+    QLabel *Label2, *lblCurrentPerformer, *Label4, *lblCurrentArtist, *Label3, *lblCurrentSong;
+    QLabel *Label8, *lblPosition, *Label6, *lblTotalTime;
+    QCheckBox *chkAutoPlay, *chkDelay;
+    QLabel* picPreview;
+    QTimer *tmrUpdateClock, *tmrAutoplay, *tmrDelay, *tmrRestart, *tmrSearch, *tmrTimeOut;
+    QMenu *mnuSearchOptions, *mnuBGImage, *mnuJingles;
+
+signals:
+    // The splash has gone and the window is on screen.
+    void ready();
+
+protected:
+    void resizeEvent(QResizeEvent* e) override;
+    void closeEvent(QCloseEvent* e) override;
+
+private:
+    void buildControls();
+    void buildMenus();
+    void InitialiseStartup();
+    void SetupSizeLimits();
+    void applyWindowPositions();
+    void saveWindowPositions();
+    void showBackgroundPreview();
+    void UnloadAllForms();
+    void layoutToWindow();
+    void splashDone();
+
+    // Steps that belong to the player, the jingles, the audience screen, the
+    // search list and the queue; each is filled by the code of that subsystem.
+    void InitBacking();
+    void InitialiseJingles();
+    void startPlayerSeam();
+    void closePlayerSeam();
+    void restoreQueueSeam();
+    void prepareSearchListSeam();
+    void clearSearchSeam();
+    void retrieveColumnsSeam();
+    void saveColumnsSeam();
+    void closeResultSetsSeam();
+
+    frmSplash* m_splash = nullptr;
+    int m_splashMinimumMs = 5000;
+    bool m_ready = false;
+    bool m_unloaded = false;
+    bool m_startMaximised = false;
+};

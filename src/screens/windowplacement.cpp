@@ -1,0 +1,73 @@
+#include "windowplacement.h"
+
+#include "core/appsettings.h"
+#include "mainlayout.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+
+using namespace settingsfile;
+
+WindowPlacement GetWindowPositions(bool firstStart, int currentWidth, int currentHeight) {
+    WindowPlacement p;
+    p.width = currentWidth;
+    p.height = currentHeight;
+    const int state = readInt(QStringLiteral("MainState"), 0);
+    if (state == 2) {
+        p.maximised = true;
+        p.left = readText(QStringLiteral("MainLeft"), QStringLiteral("0")).toInt();
+        p.top = readText(QStringLiteral("MainTop"), QStringLiteral("0")).toInt();
+        return p;
+    }
+    if (firstStart) {
+        p.centre = true;
+    } else {
+        p.left = readText(QStringLiteral("MainLeft"), QStringLiteral("0")).toInt();
+        p.top = readText(QStringLiteral("MainTop"), QStringLiteral("0")).toInt();
+        p.width = readText(QStringLiteral("MainWidth"), QString::number(mainlayout::kRestoreMinWidth)).toInt();
+    }
+    if (p.width < mainlayout::kRestoreMinWidth)
+        p.width = mainlayout::kRestoreMinWidth;
+    p.height = readText(QStringLiteral("MainHeight"), QString::number(mainlayout::kRestoreMinHeight)).toInt();
+    if (p.height < mainlayout::kRestoreMinHeight)
+        p.height = mainlayout::kRestoreMinHeight;
+    return p;
+}
+
+void SaveWindowPositions(int left, int top, int state, int width, int height) {
+    try {
+        writeText(QStringLiteral("MainLeft"), QString::number(left));
+        writeText(QStringLiteral("MainTop"), QString::number(top));
+        writeInt(QStringLiteral("MainState"), state);
+        writeText(QStringLiteral("MainWidth"), QString::number(width));
+        writeText(QStringLiteral("MainHeight"), QString::number(height));
+    } catch (...) {
+        // A place that cannot be saved is not worth a message at exit.
+    }
+}
+
+void EnsureWindowOnDesktop(QWidget* window, bool allowPartlyVisible, bool moveIt) {
+    if (!window)
+        return;
+    const QRect frame = window->frameGeometry();
+    QScreen* best = nullptr;
+    for (QScreen* s : QGuiApplication::screens()) {
+        const QRect avail = s->availableGeometry();
+        if (allowPartlyVisible ? avail.intersects(frame) : avail.contains(frame))
+            return;
+        if (!best && avail.intersects(frame))
+            best = s;
+    }
+    if (!moveIt)
+        return;
+    if (!best)
+        best = QGuiApplication::primaryScreen();
+    if (!best)
+        return;
+    const QRect avail = best->availableGeometry();
+    QPoint topLeft = frame.topLeft();
+    topLeft.setX(qBound(avail.left(), topLeft.x(), qMax(avail.left(), avail.right() - frame.width() + 1)));
+    topLeft.setY(qBound(avail.top(), topLeft.y(), qMax(avail.top(), avail.bottom() - frame.height() + 1)));
+    window->move(topLeft);
+}

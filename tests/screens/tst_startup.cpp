@@ -1,0 +1,256 @@
+#include "catalogue/database.h"
+#include "core/appsettings.h"
+#include "core/capplicationpaths.h"
+#include "core/cinifile.h"
+#include "core/globals.h"
+#include "screens/frmmain.h"
+#include "scriptedprompts.h"
+#include "testrunner.h"
+#include "workspace.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QSqlQuery>
+#include <QStandardPaths>
+#include <QTest>
+#include <QTimer>
+
+#include <sqlite3.h>
+
+namespace {
+
+QString workingFolder() {
+    return cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder()) + QLatin1Char('/');
+}
+QString documents() { return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + '/'; }
+
+QByteArray readAll(const QString& path) {
+    QFile f(path);
+    f.open(QIODevice::ReadOnly);
+    return f.readAll();
+}
+
+void writeAll(const QString& path, const QByteArray& data) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    f.open(QIODevice::WriteOnly | QIODevice::Truncate);
+    f.write(data);
+}
+
+// A SQLite file with the two tables of the old catalogue layout.
+void makeOldCatalogue(const QString& path) {
+    QFile::remove(path);
+    sqlite3* db = nullptr;
+    sqlite3_open(QFile::encodeName(path).constData(), &db);
+    sqlite3_exec(db, "CREATE TABLE tblImport (a TEXT); CREATE TABLE KaraokeTracks (b TEXT);", nullptr, nullptr,
+                 nullptr);
+    sqlite3_close(db);
+}
+
+} // namespace
+
+class TestStartup : public QObject {
+    Q_OBJECT
+
+    // Runs the whole start-up on a fresh main window; true when it came up.
+    bool start(frmMain& w, const QString& commandLine = {}) {
+        w.setSplashMinimumMs(0);
+        if (!w.Form_Load(commandLine))
+            return false;
+        return QTest::qWaitFor([&] { return w.isReady(); }, 5000);
+    }
+
+private slots:
+    void init() {
+        TestWorkspace::wipe();
+        Cfg = AppSettings();
+    }
+    void cleanup() { TestWorkspace::wipe(); }
+
+    void firstStartSeedsAndWritesFirstStartBlock() {
+        ScriptedPrompts p;
+        frmMain w;
+        QVERIFY(start(w));
+        QVERIFY(w.isVisible());
+        QCOMPARE(w.windowTitle(), QStringLiteral("Korvane v3 - ") + QStringLiteral("%1.%2.%3")
+                                                                     .arg(KV_VERSION_MAJOR)
+                                                                     .arg(KV_VERSION_MINOR)
+                                                                     .arg(KV_VERSION_PATCH));
+        QVERIFY(QFile::exists(workingFolder() + "kvsonglist.mdb"));
+        QVERIFY(QFile::exists(workingFolder() + "settings.ini"));
+        CIniFile ini;
+        ini.setFileName(workingFolder() + "settings.ini");
+        QCOMPARE(ini.GetNumericValue("Settings", "FirstStart", 1), 0);
+        QCOMPARE(ini.GetStringValue("Settings", "BGImagePath", {}), documents());
+        QVERIFY(ini.GetStringValue("Settings", "MainImage", {}).endsWith("/secondscreen.jpg"));
+        QVERIFY(IsDatabaseOpen());
+        QCOMPARE(p.calls.size(), 0);
+        w.close();
+        QVERIFY(!IsDatabaseOpen());
+        QVERIFY(!oSettings);
+    }
+
+    void secondStartTouchesNothing() {
+        {
+            ScriptedPrompts p;
+            frmMain w;
+            QVERIFY(start(w));
+            w.close();
+        }
+        const QByteArray settings = readAll(workingFolder() + "settings.ini");
+        const QByteArray catalogue = readAll(workingFolder() + "kvsonglist.mdb");
+        const QDateTime stamp = QFileInfo(workingFolder() + "kvsonglist.mdb").lastModified();
+        ScriptedPrompts p;
+        frmMain w;
+        QVERIFY(start(w));
+        QCOMPARE(readAll(workingFolder() + "settings.ini"), settings);
+        QCOMPARE(QFileInfo(workingFolder() + "kvsonglist.mdb").lastModified(), stamp);
+        QCOMPARE(readAll(workingFolder() + "kvsonglist.mdb"), catalogue);
+        w.close();
+    }
+
+    void settingsReadWithDefaults() {
+        writeAll(workingFolder() + "settings.ini",
+                 "[Settings]\nFirstStart=0\nAutoPlayDelay=9\nPromptForPerfomer=0\nPromptForPerformer=1\n"
+                 "StopKaraokeTrackOnJinglePlay=0\nDefaultName=Zo\xc3\xab\nNoFadeOnRestart=0\n");
+        ScriptedPrompts p;
+        frmMain w;
+        QVERIFY(start(w));
+        QCOMPARE(Cfg.AutoPlayDelay, 9);
+        QCOMPARE(w.tmrDelay->interval(), 9000);
+        QCOMPARE(Cfg.PromptForPerfomer, false); // the key as the file spells it
+        QCOMPARE(Cfg.StopKaraokeTrackOnJinglePlay, false);
+        QCOMPARE(Cfg.DefaultName, QString::fromUtf8("Zo\xc3\xab"));
+        QCOMPARE(Cfg.NoFadeOnRestart, false);
+        QCOMPARE(Cfg.ScrollerText, QStringLiteral("Could %p singing %t please make their way to the stage "
+                                                  "towards the end of this performance"));
+        QCOMPARE(Cfg.AllowDragAndDrop, true);
+        QCOMPARE(Cfg.DoubleClickAction, 1);
+        w.close();
+    }
+
+    void failedStarts_data() {
+        QTest::addColumn<QString>("setup");
+        QTest::addColumn<QString>("title");
+        QTest::newRow("settings file missing") << "settings-dir" << "Settings File Cannot Be Located";
+        QTest::newRow("old catalogue") << "old" << "Old Database Found";
+        QTest::newRow("catalogue of random bytes") << "random" << "Database connection failed";
+        QTest::newRow("catalogue of another engine") << "jet" << "Database connection failed";
+        QTest::newRow("empty catalogue file") << "empty" << "Database connection failed";
+        QTest::newRow("truncated catalogue") << "truncated" << "Database connection failed";
+    }
+    void failedStarts() {
+        QFETCH(QString, setup);
+        QFETCH(QString, title);
+        const QString db = workingFolder() + "kvsonglist.mdb";
+        QDir().mkpath(workingFolder());
+        if (setup == "settings-dir") {
+            // A folder where the settings file should be: nothing can copy it there.
+            QDir().mkpath(workingFolder() + "settings.ini");
+        } else if (setup == "old") {
+            makeOldCatalogue(db);
+        } else if (setup == "random") {
+            QByteArray bytes(8192, '\0');
+            for (char& c : bytes)
+                c = char(QRandomGenerator::global()->bounded(256));
+            writeAll(db, bytes);
+        } else if (setup == "jet") {
+            QByteArray jet(4096, '\0');
+            jet.replace(0, 19, QByteArray("\x00\x01\x00\x00Standard Jet DB", 19));
+            writeAll(db, jet);
+        } else if (setup == "empty") {
+            writeAll(db, {});
+        } else if (setup == "truncated") {
+            QFile::copy(cApplicationPaths::installFolder() + "kvsonglist.mdb", db);
+            QFile::setPermissions(db, QFile::ReadOwner | QFile::WriteOwner);
+            // The template with one page too few.
+            const QByteArray whole = readAll(db);
+            writeAll(db, whole.left(whole.size() - 4096));
+        }
+        const bool existed = QFileInfo(db).isFile();
+        const QByteArray before = existed ? readAll(db) : QByteArray();
+        ScriptedPrompts p;
+        frmMain w;
+        w.setSplashMinimumMs(0);
+        QCOMPARE(w.Form_Load({}), false);
+        QCOMPARE(p.boxTitles(), QStringList{title});
+        QVERIFY(!w.isVisible());
+        QVERIFY(!IsDatabaseOpen());
+        if (existed)
+            QCOMPARE(readAll(db), before); // the host's file is left as it was
+        if (setup == "settings-dir")
+            QCOMPARE(p.calls.first().style, 16400);
+    }
+
+    void reset_data() {
+        QTest::addColumn<QString>("commandLine");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<bool>("asked");
+        QTest::addColumn<bool>("moved");
+        QTest::newRow("yes") << "/reset" << int(Prompts::Yes) << true << true;
+        QTest::newRow("no") << "/reset" << int(Prompts::No) << true << false;
+        QTest::newRow("inside other words") << "-x /reset -y" << int(Prompts::Yes) << true << true;
+        QTest::newRow("upper case") << "/RESET" << int(Prompts::Yes) << false << false;
+        QTest::newRow("one blank") << " " << int(Prompts::Yes) << false << false;
+    }
+    void reset() {
+        QFETCH(QString, commandLine);
+        QFETCH(int, answer);
+        QFETCH(bool, asked);
+        QFETCH(bool, moved);
+        {
+            ScriptedPrompts p;
+            frmMain w;
+            QVERIFY(start(w));
+            ExecuteSql("INSERT INTO tblQueue (QueuePos, PerformerName) VALUES (0, 'Ann')");
+            w.close();
+        }
+        writeAll(workingFolder() + "settings.ini",
+                 readAll(workingFolder() + "settings.ini") + "\n[Mine]\nKeep=1\n");
+        ScriptedPrompts p;
+        p.answer(answer);
+        frmMain w;
+        QVERIFY(start(w, commandLine));
+        QCOMPARE(p.countTitle("Reset Korvane"), asked ? 1 : 0);
+        if (asked)
+            QCOMPARE(p.calls.first().style, 52);
+        const QStringList archived = QDir(documents()).entryList({"*.mdb"}, QDir::Files);
+        QCOMPARE(archived, moved ? QStringList{"kvsonglist.mdb"} : QStringList{});
+        QSqlQuery q = ExecuteSql("SELECT count(*) FROM tblQueue");
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toInt(), moved ? 0 : 1);
+        QVERIFY(readAll(workingFolder() + "settings.ini").contains("[Mine]\nKeep=1")); // settings stay
+        w.close();
+    }
+
+    void shutdownSavesPlaceAndRemovesTemp() {
+        ScriptedPrompts p;
+        frmMain w;
+        QVERIFY(start(w));
+        QDir().mkpath(WorkingFolder + "Temp/sub");
+        writeAll(WorkingFolder + "Temp/sub/song.mp3", "x");
+        w.resize(1000, 700);
+        w.close();
+        QVERIFY(!QFileInfo::exists(workingFolder() + "Temp"));
+        CIniFile ini;
+        ini.setFileName(workingFolder() + "settings.ini");
+        QCOMPARE(ini.GetNumericValue("Settings", "MainState", -1), 0);
+        QVERIFY(ini.GetStringValue("Settings", "MainWidth", {}).toInt() >= 12945);
+        QVERIFY(!ini.GetStringValue("Settings", "MainLeft", {}).isEmpty());
+    }
+
+    void noPlaceSavedWhenSwitchedOff() {
+        QDir().mkpath(workingFolder());
+        writeAll(workingFolder() + "settings.ini", "[Settings]\nFirstStart=0\nSaveWindowPosition=0\n");
+        ScriptedPrompts p;
+        frmMain w;
+        QVERIFY(start(w));
+        w.close();
+        QVERIFY(!readAll(workingFolder() + "settings.ini").contains("MainWidth"));
+    }
+};
+
+KV_TEST_CLASS(TestStartup)
+#include "tst_startup.moc"
