@@ -1,0 +1,232 @@
+#include "catalogue/database.h"
+#include "core/capplicationpaths.h"
+#include "core/globals.h"
+#include "core/kverror.h"
+#include "scriptedprompts.h"
+#include "testrunner.h"
+#include "workspace.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTest>
+
+namespace {
+
+int count(const QString& sql) {
+    QSqlQuery q = ExecuteSql(sql);
+    return q.next() ? q.value(0).toInt() : -1;
+}
+
+QStringList archivedIn(const QString& folder) {
+    return QDir(folder).entryList({QStringLiteral("*.mdb")}, QDir::Files, QDir::Name);
+}
+
+} // namespace
+
+class TestDatabase : public QObject {
+    Q_OBJECT
+
+private slots:
+    void makeSafeSql_data() {
+        QTest::addColumn<QString>("in");
+        QTest::addColumn<QString>("out");
+        QTest::newRow("empty") << "" << "";
+        QTest::newRow("plain") << "Abba" << "Abba";
+        QTest::newRow("one") << "Don't" << "Don''t";
+        QTest::newRow("two") << "Rock 'n' Roll" << "Rock ''n'' Roll";
+        QTest::newRow("wildcards stay") << "100% _x" << "100% _x";
+    }
+    void makeSafeSql() {
+        QFETCH(QString, in);
+        QFETCH(QString, out);
+        QCOMPARE(MakeSafeSql(in), out);
+    }
+
+    void schemaPositionsAndCaseBlindText() {
+        TestWorkspace ws;
+        ws.addSongs({"Abba - Waterloo"});
+        QSqlQuery q = ExecuteSql("Select * from tblKaraokeTracks");
+        QVERIFY(q.next());
+        QCOMPARE(q.value(1).toString(), QStringLiteral("Abba"));
+        QCOMPARE(q.value(2).toString(), QStringLiteral("Waterloo"));
+        QCOMPARE(q.value(6).toString(), QStringLiteral("/songs/Abba - Waterloo.zip"));
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks Where ArtistName = 'ABBA'"), 1);
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks Where FileName Like '%WATERLOO%'"), 1);
+        ExecuteSql("INSERT INTO tblQueue (QueuePos, PerformerName, ArtistName, TrackName, SongKey, TrackPath) "
+                   "VALUES (0, 'Ann', 'A', 'T', -2, '/x')");
+        QSqlQuery queue = ExecuteSql("Select * from tblQueue");
+        QVERIFY(queue.next());
+        QCOMPARE(queue.value(4).toInt(), -2);
+        QCOMPARE(queue.value(5).toString(), QStringLiteral("/x"));
+        ExecuteSql("INSERT INTO tblKaraokeTrackHistory (SingerName, Artist, Title, [Key], TrackPath) "
+                   "VALUES ('Ann', 'A', 'T', 3, '/x')");
+    }
+
+    void yesNoColumnsStoreMinusOne_data() {
+        QTest::addColumn<QString>("write");
+        QTest::addColumn<QString>("find");
+        QTest::newRow("error 1 found as -1") << "Error = 1" << "Error = -1";
+        QTest::newRow("error 7 found as -1") << "Error = 7" << "Error = -1";
+        QTest::newRow("kamikaze 1 found as -1") << "Kamikaze = 1" << "Kamikaze = -1";
+        QTest::newRow("zero stays zero") << "Error = 0" << "Error = 0";
+    }
+    void yesNoColumnsStoreMinusOne() {
+        QFETCH(QString, write);
+        QFETCH(QString, find);
+        TestWorkspace ws;
+        const auto ids = ws.addSongs({"A - B"});
+        ExecuteSql(QStringLiteral("Update tblKaraokeTracks Set %1 Where KaraokeTrackID = %2").arg(write).arg(ids[0]));
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks Where " + find), 1);
+        // An insert that names the column directly goes the same way.
+        ExecuteSql("INSERT INTO tblKaraokeTracks (TrackPath, Kamikaze, Error) VALUES ('/y', 5, 2)");
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks Where TrackPath = '/y' And Kamikaze = -1 And "
+                       "Error = -1"),
+                 1);
+    }
+
+    void duplicatePathRefused() {
+        TestWorkspace ws;
+        ExecuteSql("INSERT INTO tblKaraokeTracks (TrackPath) VALUES ('/a/Song.zip')");
+        bool refused = false;
+        try {
+            ExecuteSql("INSERT INTO tblKaraokeTracks (TrackPath) VALUES ('/a/Song.zip')");
+        } catch (const KvError& e) {
+            refused = true;
+            QVERIFY(e.description().contains("UNIQUE", Qt::CaseInsensitive));
+        }
+        QVERIFY(refused);
+        // A path differing in case is another file on this system.
+        ExecuteSql("INSERT INTO tblKaraokeTracks (TrackPath) VALUES ('/a/song.zip')");
+    }
+
+    void oneStatementOnly() {
+        TestWorkspace ws;
+        QVERIFY_THROWS_EXCEPTION(KvError, ExecuteSql("Delete From tblQueue; Drop Table tblKaraokeTracks"));
+        QCOMPARE(count("Select count(*) from sqlite_master Where name = 'tblKaraokeTracks'"), 1);
+    }
+
+    void oldDatabaseCheck_data() {
+        QTest::addColumn<QString>("tables");
+        QTest::addColumn<bool>("old");
+        QTest::newRow("current") << "" << false;
+        QTest::newRow("tblImport only") << "CREATE TABLE tblImport (a)" << false;
+        QTest::newRow("KaraokeTracks only") << "CREATE TABLE KaraokeTracks (a)" << false;
+        QTest::newRow("both") << "CREATE TABLE tblImport (a)|CREATE TABLE KaraokeTracks (a)" << true;
+    }
+    void oldDatabaseCheck() {
+        QFETCH(QString, tables);
+        QFETCH(bool, old);
+        TestWorkspace ws;
+        for (const QString& sql : tables.split('|', Qt::SkipEmptyParts))
+            ExecuteSql(sql);
+        QCOMPARE(CheckForOldDatabase(), old);
+    }
+
+    void missingCatalogue() {
+        TestWorkspace ws(false);
+        QFile::remove(ws.catalogueFile());
+        ScriptedPrompts p;
+        QCOMPARE(OpenDatabase(), false);
+        QCOMPARE(p.calls.size(), 1);
+        QCOMPARE(p.calls[0].title, QStringLiteral("Database connection failed"));
+        QCOMPARE(p.calls[0].text, QStringLiteral("This application is not installed correctly, database does not exist"));
+        QCOMPARE(p.calls[0].style, int(Prompts::Exclamation));
+    }
+
+    // A leftover temporary file wins, and both files are archived.
+    void recoveryWithMainFile() {
+        TestWorkspace ws;
+        ws.addSongs({"Main - One"});
+        CloseDatabase();
+        QFile::copy(ws.catalogueFile(), oApplicationPaths->CompactedDatabase());
+        {
+            // The temporary copy holds one more song than the main file.
+            QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "side");
+            db.setDatabaseName(oApplicationPaths->CompactedDatabase());
+            db.open();
+            QSqlQuery(db).exec("INSERT INTO tblKaraokeTracks (TrackPath) VALUES ('/temp-only')");
+            db.close();
+        }
+        QSqlDatabase::removeDatabase("side");
+        ScriptedPrompts p;
+        QVERIFY(OpenDatabase());
+        QCOMPARE(p.calls.size(), 0);
+        QVERIFY(!QFile::exists(oApplicationPaths->CompactedDatabase()));
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks Where TrackPath = '/temp-only'"), 1);
+        const QStringList archived = archivedIn(ws.documentsFolder());
+        QCOMPARE(archived.size(), 2);
+        QVERIFY(archived[0].startsWith("kvSongListTemp.") && archived[0].endsWith(".mdb"));
+        QVERIFY(archived[1].startsWith("kvsonglist.") && archived[1].endsWith(".mdb"));
+        QVERIFY(!archived[0].contains(':') && !archived[0].contains('/'));
+    }
+
+    void recoveryWithoutMainFile() {
+        TestWorkspace ws;
+        CloseDatabase();
+        QFile::rename(ws.catalogueFile(), oApplicationPaths->CompactedDatabase());
+        ScriptedPrompts p;
+        QVERIFY(OpenDatabase());
+        // The archive and the delete of the missing main file fail, are logged, and the run goes on.
+        QCOMPARE(TestWorkspace::errorLogRecords(), 2);
+        QCOMPARE(p.countTitle("Korvane Error"), 2);
+        QVERIFY(QFile::exists(ws.catalogueFile()));
+        QCOMPARE(archivedIn(ws.documentsFolder()).size(), 1);
+    }
+
+    void noFixRequired() {
+        TestWorkspace ws;
+        ScriptedPrompts p;
+        RecoverInterruptedCompaction(false);
+        QCOMPARE(p.calls.size(), 1);
+        QCOMPARE(p.calls[0].text, QStringLiteral("No fix is required"));
+        QCOMPARE(p.calls[0].style, int(Prompts::Information));
+    }
+
+    void compactKeepsRowsAndShrinks() {
+        TestWorkspace ws;
+        QStringList songs;
+        for (int i = 0; i < 3000; ++i)
+            songs << QStringLiteral("Artist %1 - Title %1").arg(i);
+        dbConnection().transaction();
+        ws.addSongs(songs);
+        dbConnection().commit();
+        ExecuteSql("Delete From tblKaraokeTracks Where KaraokeTrackID > 100");
+        const qint64 before = QFileInfo(ws.catalogueFile()).size();
+        ScriptedPrompts p;
+        DatabaseCompact();
+        QCOMPARE(p.calls.size(), 0);
+        QVERIFY(IsDatabaseOpen());
+        QVERIFY(!QFile::exists(oApplicationPaths->CompactedDatabase()));
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks"), 100);
+        QVERIFY(QFileInfo(ws.catalogueFile()).size() < before);
+        // The schema's rules survive the copy.
+        ExecuteSql("Update tblKaraokeTracks Set Error = 1 Where KaraokeTrackID = 1");
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks Where Error = -1"), 1);
+    }
+
+    void failedCompactionRecoversAtOpen() {
+        TestWorkspace ws;
+        ws.addSongs({"Keep - Me"});
+        ScriptedPrompts p;
+        // A destination that cannot be written: the compaction fails, and the
+        // reopening puts the moved file back.
+        CloseDatabase();
+        QFile::rename(ws.catalogueFile(), oApplicationPaths->CompactedDatabase());
+        QVERIFY(!CompactTheDatabase(oApplicationPaths->CompactedDatabase(), "/proc/kv-cannot-write.mdb"));
+        QCOMPARE(TestWorkspace::errorLogRecords(), 1);
+        QVERIFY(OpenDatabase());
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks"), 1);
+    }
+
+    void errorLogSourceForCompaction() {
+        TestWorkspace ws;
+        ScriptedPrompts p;
+        QVERIFY(!CompactTheDatabase(WorkingFolder + "missing.mdb", WorkingFolder + "out.mdb"));
+        QVERIFY(TestWorkspace::errorLog().contains("KvApp.modMain.CompactTheDatabase"));
+    }
+};
+
+KV_TEST_CLASS(TestDatabase)
+#include "tst_database.moc"
