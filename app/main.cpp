@@ -3,7 +3,12 @@
 #include <QApplication>
 #include <QFont>
 #include <QPalette>
+#include <QSocketNotifier>
 #include <QStyleFactory>
+
+#include <csignal>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -29,6 +34,33 @@ void applyLook(QApplication& app) {
     app.setFont(f);
 }
 
+// A polite end (SIGTERM, SIGINT, SIGHUP) closes the main window, so that the
+// shutdown saves what it saves, just as when the host closes the window.
+int g_signalPipe[2] = {-1, -1};
+
+void onSignal(int) {
+    const char c = 1;
+    [[maybe_unused]] auto n = ::write(g_signalPipe[1], &c, 1);
+}
+
+void closeOnSignals(QWidget* window) {
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, g_signalPipe) != 0)
+        return;
+    auto* notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, window);
+    QObject::connect(notifier, &QSocketNotifier::activated, window, [window] {
+        char c;
+        [[maybe_unused]] auto n = ::read(g_signalPipe[0], &c, 1);
+        window->close();
+        QCoreApplication::quit();
+    });
+    struct sigaction sa = {};
+    sa.sa_handler = onSignal;
+    sigemptyset(&sa.sa_mask);
+    sa.sa_flags = SA_RESTART;
+    for (int sig : {SIGTERM, SIGINT, SIGHUP})
+        sigaction(sig, &sa, nullptr);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -36,6 +68,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Korvane"));
     applyLook(app);
     frmMain main;
+    closeOnSignals(&main);
     if (!main.Form_Load(app.arguments().mid(1).join(QLatin1Char(' '))))
         return 1;
     return app.exec();
