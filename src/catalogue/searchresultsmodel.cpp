@@ -1,0 +1,144 @@
+#include "searchresultsmodel.h"
+
+#include "catalogue/songsearch.h"
+#include "core/kverror.h"
+
+#include <QSqlError>
+
+SearchResultsModel::SearchResultsModel(QObject* parent) : QAbstractTableModel(parent) {}
+
+QStringList SearchResultsModel::captions() {
+    QStringList c;
+    for (const SongSearch::Column& col : SongSearch::resultColumns())
+        c << col.caption;
+    return c;
+}
+
+void SearchResultsModel::load(const QSqlDatabase& db, const QString& sql) {
+    beginResetModel();
+    m_query = QSqlQuery();
+    m_rows.clear();
+    m_shown = 0;
+    m_more = false;
+    QString failure;
+    qint32 number = 0;
+    if (!db.isOpen()) {
+        failure = QStringLiteral("Operation is not allowed when the object is closed.");
+        number = 3704;
+    } else {
+        m_query = QSqlQuery(db);
+        m_query.setForwardOnly(true);
+        if (m_query.exec(sql)) {
+            m_more = true;
+        } else {
+            failure = m_query.lastError().databaseText();
+            if (failure.isEmpty())
+                failure = m_query.lastError().text();
+            number = m_query.lastError().nativeErrorCode().toInt();
+            m_query = QSqlQuery();
+        }
+    }
+    endResetModel();
+    if (!failure.isEmpty())
+        throw KvError(number, failure);
+    appendRows(m_blockSize);
+}
+
+void SearchResultsModel::clear() {
+    beginResetModel();
+    m_query = QSqlQuery();
+    m_rows.clear();
+    m_shown = 0;
+    m_more = false;
+    endResetModel();
+}
+
+void SearchResultsModel::appendRows(qint64 count) {
+    if (!m_more)
+        return;
+    const int first = m_rows.size();
+    while (count != 0) {
+        if (!m_query.next()) {
+            // The end of the result, or the statement was ended under us (the
+            // connection closed): either way there is nothing more to read.
+            m_more = false;
+            m_query = QSqlQuery();
+            break;
+        }
+        m_rows.append(m_query.value(0).toLongLong(),
+                      {m_query.value(1).toString(), m_query.value(2).toString(), m_query.value(3).toString(),
+                       m_query.value(4).toString()});
+        if (count > 0)
+            --count;
+    }
+    if (m_rows.size() > first) {
+        beginInsertRows({}, first, m_rows.size() - 1);
+        m_shown = m_rows.size();
+        endInsertRows();
+    }
+}
+
+void SearchResultsModel::fetchUpTo(int row) {
+    if (row < 0)
+        appendRows(-1);
+    else if (row >= m_shown)
+        appendRows(qint64(row) - m_shown + 1);
+}
+
+qint64 SearchResultsModel::trackId(int row) const {
+    if (row < 0 || row >= m_shown)
+        throw KvError(380, QStringLiteral("Invalid property value"));
+    return m_rows.id(row);
+}
+
+void SearchResultsModel::setCellText(int row, int column, const QString& text) {
+    if (row < 0 || row >= m_shown || column < 1 || column >= kColumns)
+        throw KvError(380, QStringLiteral("Invalid property value"));
+    CompactRowStore::Texts t = m_rows.texts(row);
+    t[column - 1] = text;
+    m_rows.replace(row, t);
+    emit dataChanged(index(row, column), index(row, column));
+}
+
+void SearchResultsModel::removeTrackRow(int row) {
+    if (row < 0 || row >= m_shown)
+        throw KvError(380, QStringLiteral("Invalid property value"));
+    beginRemoveRows({}, row, row);
+    m_rows.removeAt(row);
+    m_shown = m_rows.size();
+    endRemoveRows();
+}
+
+int SearchResultsModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : m_shown;
+}
+
+int SearchResultsModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : kColumns;
+}
+
+QVariant SearchResultsModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= m_shown || index.column() >= kColumns)
+        return {};
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
+        return {};
+    if (index.column() == 0)
+        return m_rows.id(index.row());
+    return m_rows.text(index.row(), index.column() - 1);
+}
+
+QVariant SearchResultsModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return QAbstractTableModel::headerData(section, orientation, role);
+    static const QStringList names = captions();
+    return names.value(section);
+}
+
+bool SearchResultsModel::canFetchMore(const QModelIndex& parent) const {
+    return !parent.isValid() && m_more;
+}
+
+void SearchResultsModel::fetchMore(const QModelIndex& parent) {
+    if (!parent.isValid())
+        appendRows(m_blockSize);
+}
