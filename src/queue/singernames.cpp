@@ -1,0 +1,43 @@
+#include "singernames.h"
+
+#include "catalogue/database.h"
+#include "core/errorlog.h"
+
+#include <QSqlQuery>
+
+QStringList SingerNames;
+
+void InitSingerNames(const QString& defaultName) {
+    while (SingerNames.size() < 3)
+        SingerNames.append(QString());
+    SingerNames[0] = QString();
+    SingerNames[1] = defaultName;
+}
+
+void LoadSingerNames() {
+    Guarded(QStringLiteral("KvApp.frmMain.InitialiseStartup"), 11, [] {
+        QSqlQuery q = ExecuteSql(QStringLiteral("SELECT Distinct SingerName FROM tblKaraokeTrackHistory;"));
+        for (int index = 2; q.next(); ++index) {
+            SingerNames.resize(index + 1);
+            SingerNames[index] = q.value(0).toString();
+        }
+    });
+}
+
+void AddToListArray(const QString& clientName) {
+    const qsizetype top = SingerNames.size() - 1;
+    for (qsizetype i = 1; i <= top - 1; ++i) {
+        if (SingerNames.at(i) == clientName)
+            return;
+    }
+    if (top < 0) {
+        SingerNames = {clientName, QString()};
+        return;
+    }
+    SingerNames.append(QString());
+    SingerNames[top] = clientName;
+}
+
+QStringList SingerNamesForList() {
+    return SingerNames.mid(0, std::max<qsizetype>(0, SingerNames.size() - 1));
+}
