@@ -17,6 +17,11 @@ const QString kSaveSource = QStringLiteral("KvApp.frmMain.SaveQueue");
 // another job of the program holds open, as well as alone.
 const QString kSavepoint = QStringLiteral("kvSaveQueue");
 
+// An empty cell is stored as an empty text, not as NULL.
+QString notNull(const QString& s) {
+    return s.isNull() ? QStringLiteral("") : s;
+}
+
 void run(QSqlQuery& q) {
     if (!q.exec())
         throw KvError(q.lastError().nativeErrorCode().toInt(), q.lastError().databaseText());
@@ -55,11 +60,11 @@ bool SaveQueue(const QueueModel& model) {
         for (int i = 0; i < rows.size(); ++i) {
             const QueueModel::Row& r = rows.at(i);
             insert.bindValue(0, i);
-            insert.bindValue(1, r.cells.at(QueueModel::ColPerformer));
-            insert.bindValue(2, r.cells.at(QueueModel::ColArtist));
-            insert.bindValue(3, r.cells.at(QueueModel::ColTrack));
+            insert.bindValue(1, notNull(r.cells.at(QueueModel::ColPerformer)));
+            insert.bindValue(2, notNull(r.cells.at(QueueModel::ColArtist)));
+            insert.bindValue(3, notNull(r.cells.at(QueueModel::ColTrack)));
             insert.bindValue(4, QueueModel::keyFromText(r.cells.at(QueueModel::ColKey)));
-            insert.bindValue(5, r.tag);
+            insert.bindValue(5, notNull(r.tag));
             run(insert);
         }
         insert.finish();

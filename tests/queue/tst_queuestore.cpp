@@ -1,0 +1,166 @@
+#include "catalogue/database.h"
+#include "queue/queuemodel.h"
+#include "queue/queuestore.h"
+#include "queuefakes.h"
+#include "scriptedprompts.h"
+#include "testrunner.h"
+#include "workspace.h"
+
+#include <QTest>
+
+using namespace queuetest;
+
+class TestQueueStore : public QObject {
+    Q_OBJECT
+    std::unique_ptr<TestWorkspace> m_ws;
+    std::unique_ptr<ScriptedPrompts> m_prompts;
+
+private slots:
+    void init() {
+        m_prompts = std::make_unique<ScriptedPrompts>();
+        m_ws = std::make_unique<TestWorkspace>();
+    }
+    void cleanup() {
+        m_ws.reset();
+        m_prompts.reset();
+    }
+
+    void roundTripsAwkwardTexts_data() {
+        QTest::addColumn<QString>("performer");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<qint64>("savedKey");
+        QTest::newRow("apostrophes") << "Sinéad O'Connor's ''pal''"
+                                     << "3" << qint64(3);
+        QTest::newRow("non-ascii") << QString::fromUtf8("Ærøskøbing 日本 Ünal") << "-2" << qint64(-2);
+        QTest::newRow("1000 characters") << QString(1000, QChar(0x00e9)) << "0" << qint64(0);
+        QTest::newRow("sql-looking") << "x'); DROP TABLE tblQueue; --"
+                                     << "1" << qint64(1);
+        QTest::newRow("key not a number") << "Bob"
+                                          << "three" << qint64(0);
+        QTest::newRow("key empty") << "Bob"
+                                   << "" << qint64(0);
+        QTest::newRow("key with blanks") << "Bob"
+                                         << " 4 " << qint64(4);
+        QTest::newRow("key beyond 32 bits") << "Bob"
+                                            << "99999999999" << qint64(0);
+        QTest::newRow("empty performer") << ""
+                                         << "-6" << qint64(-6);
+    }
+    void roundTripsAwkwardTexts() {
+        QFETCH(QString, performer);
+        QFETCH(QString, key);
+        QFETCH(qint64, savedKey);
+        QueueModel m;
+        m.addItem({QString(), performer, performer + QStringLiteral("A"), QStringLiteral("T'x"), key},
+                  QStringLiteral("/songs/it's ü.zip"));
+        QVERIFY(SaveQueue(m));
+        QSqlQuery q =
+            ExecuteSql(QStringLiteral("SELECT PerformerName, SongKey, TrackPath, ArtistName FROM tblQueue"));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toString(), performer);
+        QCOMPARE(q.value(1).toLongLong(), savedKey);
+        QCOMPARE(q.value(2).toString(), QStringLiteral("/songs/it's ü.zip"));
+
+        QueueModel back;
+        RestoreQueue(back);
+        QCOMPARE(back.rowCount(), 1);
+        QCOMPARE(back.cellText(0, QueueModel::ColPerformer), performer);
+        QCOMPARE(back.cellText(0, QueueModel::ColArtist), performer + QStringLiteral("A"));
+        QCOMPARE(back.cellText(0, QueueModel::ColKey), QString::number(savedKey));
+        QCOMPARE(back.itemTag(0), QStringLiteral("/songs/it's ü.zip"));
+        QCOMPARE(TestWorkspace::errorLogRecords(), 0);
+    }
+
+    void savingEmptyListEmptiesTable() {
+        QueueModel m;
+        addRows(m, {"A", "B"});
+        QVERIFY(SaveQueue(m));
+        QCOMPARE(savedRows().size(), 2);
+        m.clearItems();
+        QVERIFY(SaveQueue(m));
+        QVERIFY(savedRows().isEmpty());
+    }
+
+    // Rows written by other hands: NULL cells, gaps and disorder in QueuePos.
+    void restoresNullsAndGapsInOrder() {
+        ExecuteSql(QStringLiteral("INSERT INTO tblQueue VALUES (7, 'Seventh', 'A7', 'T7', 2, '/s/7.zip')"));
+        ExecuteSql(QStringLiteral("INSERT INTO tblQueue VALUES (2, NULL, NULL, NULL, NULL, NULL)"));
+        ExecuteSql(
+            QStringLiteral("INSERT INTO tblQueue VALUES (40, 'Fortieth', 'A40', 'T40', -1, '/s/40.zip')"));
+        QueueModel m;
+        RestoreQueue(m);
+        QCOMPARE(performers(m), QStringList({"", "Seventh", "Fortieth"}));
+        // The hidden cell keeps the stored number; a NULL reads as empty.
+        QCOMPARE(m.cellText(0, QueueModel::ColNo), QStringLiteral("2"));
+        QCOMPARE(m.cellText(1, QueueModel::ColNo), QStringLiteral("7"));
+        QCOMPARE(m.cellText(0, QueueModel::ColKey), QString());
+        QCOMPARE(m.itemTag(0), QString());
+        QCOMPARE(m.details(2).Key, -1);
+
+        // The next save numbers the rows from 0 without gaps, whatever cell 0 says.
+        QVERIFY(SaveQueue(m));
+        QCOMPARE(savedRows(),
+                 QStringList({"0||||0|", "1|Seventh|A7|T7|2|/s/7.zip", "2|Fortieth|A40|T40|-1|/s/40.zip"}));
+        QCOMPARE(TestWorkspace::errorLogRecords(), 0);
+    }
+
+    // Restoring into a list that has rows adds the saved ones behind them.
+    void restoreAppendsBehindExistingRows() {
+        QueueModel m;
+        addRows(m, {"A", "B"});
+        QVERIFY(SaveQueue(m));
+        RestoreQueue(m);
+        QCOMPARE(performers(m), QStringList({"A", "B", "A", "B"}));
+        QVERIFY(SaveQueue(m));
+        QCOMPARE(savedRows().size(), 4);
+    }
+
+    void failedInsertKeepsOldSnapshot() {
+        QueueModel m;
+        addRows(m, {"A", "B", "C"});
+        QVERIFY(SaveQueue(m));
+        const QStringList before = savedRows();
+        ExecuteSql(
+            QStringLiteral("CREATE TRIGGER refuseBoom BEFORE INSERT ON tblQueue WHEN NEW.PerformerName = "
+                           "'Boom' BEGIN SELECT RAISE(ABORT, 'refused by test'); END"));
+        addRows(m, {"Boom"});
+        m.moveItem(3, 0);
+        QVERIFY(!SaveQueue(m));
+        QCOMPARE(savedRows(), before);
+        QCOMPARE(TestWorkspace::errorLogRecords(), 1);
+        QVERIFY(TestWorkspace::errorLog().contains(QStringLiteral("KvApp.frmMain.SaveQueue")));
+        QVERIFY(TestWorkspace::errorLog().contains(QStringLiteral("refused by test")));
+        QCOMPARE(m_prompts->countTitle(QStringLiteral("Korvane Error")), 1);
+        // The list is untouched, and the next save that can succeed repairs the table.
+        QCOMPARE(m.rowCount(), 4);
+        m.removeItem(0);
+        m.moveItem(2, 0);
+        QVERIFY(SaveQueue(m));
+        QCOMPARE(savedRows(), modelRows(m));
+    }
+
+    // A save while another job holds a transaction open lands with that job's work.
+    void saveInsideOpenTransaction() {
+        QueueModel m;
+        addRows(m, {"A"});
+        QVERIFY(dbConnection().transaction());
+        QVERIFY(SaveQueue(m));
+        QVERIFY(dbConnection().commit());
+        QCOMPARE(savedRows(), modelRows(m));
+    }
+
+    void restoreFailureIsLogged() {
+        ExecuteSql(QStringLiteral("DROP TABLE tblQueue"));
+        QueueModel m;
+        addRows(m, {"A"});
+        RestoreQueue(m);
+        QCOMPARE(m.rowCount(), 1);
+        QCOMPARE(TestWorkspace::errorLogRecords(), 1);
+        QVERIFY(TestWorkspace::errorLog().contains(QStringLiteral("KvApp.frmMain.RestoreQueue")));
+        QVERIFY(!SaveQueue(m));
+        QCOMPARE(TestWorkspace::errorLogRecords(), 2);
+    }
+};
+
+KV_TEST_CLASS(TestQueueStore)
+#include "tst_queuestore.moc"
