@@ -47,7 +47,8 @@ QString EnsureTrailingSlash(const QString& path) {
     return path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
 }
 
-ImportRun::ImportRun(QObject* parent) : QObject(parent), m_pump([] { QCoreApplication::processEvents(); }) {}
+ImportRun::ImportRun(QObject* parent)
+    : QObject(parent), m_matcher(kSongFilePattern), m_pump([] { QCoreApplication::processEvents(); }) {}
 
 void ImportRun::setEventPump(std::function<void()> pump) {
     m_pump = pump;

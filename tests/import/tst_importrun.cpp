@@ -1,0 +1,319 @@
+#include "catalogue/database.h"
+#include "core/globals.h"
+#include "import/filepatternmatcher.h"
+#include "import/importrun.h"
+#include "import/importsession.h"
+#include "import/importtransaction.h"
+#include "scriptedprompts.h"
+#include "testrunner.h"
+#include "workspace.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+namespace {
+
+void touch(const QString& path) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile f(path);
+    QVERIFY2(f.open(QIODevice::WriteOnly), qPrintable(path));
+}
+
+QStringList catalogue(const QString& column) {
+    QSqlQuery q =
+        ExecuteSql(QStringLiteral("SELECT %1 FROM tblKaraokeTracks ORDER BY TrackPath").arg(column));
+    QStringList out;
+    while (q.next())
+        out << q.value(0).toString();
+    return out;
+}
+
+qint64 trackCount() {
+    QSqlQuery q = ExecuteSql(QStringLiteral("SELECT count(*) FROM tblKaraokeTracks"));
+    return q.next() ? q.value(0).toLongLong() : -1;
+}
+
+} // namespace
+
+class TestFilePattern : public QObject {
+    Q_OBJECT
+private slots:
+    void matches_data() {
+        QTest::addColumn<QString>("patterns");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("expected");
+        const QString songs = ImportRun::kSongFilePattern;
+        QTest::newRow("zip") << songs << "A - B.zip" << true;
+        QTest::newRow("upper case extension") << songs << "A - B.ZIP" << true;
+        QTest::newRow("mixed case divx") << songs << "x.DivX" << true;
+        QTest::newRow("last in list") << songs << "clip.mp4" << true;
+        QTest::newRow("cdg not taken") << songs << "A - B.cdg" << false;
+        QTest::newRow("no extension") << songs << "README" << false;
+        QTest::newRow("extension inside name") << songs << "A.zip.bak" << false;
+        QTest::newRow("longer extension") << songs << "A.mp34" << false;
+        QTest::newRow("non-ascii name") << songs << "Ünïcödé - Mötley.MP3" << true;
+        QTest::newRow("question mark") << "track??.mp3"
+                                       << "TRACK01.MP3" << true;
+        QTest::newRow("question mark needs a character") << "track??.mp3"
+                                                         << "track1.mp3" << false;
+        QTest::newRow("star in the middle") << "a*b*c"
+                                            << "aXXbYYc" << true;
+        QTest::newRow("star backtracks") << "*ab"
+                                         << "aab" << true;
+        QTest::newRow("star backtracks fail") << "*ab*c"
+                                              << "abab" << false;
+        QTest::newRow("star dot star takes anything") << "*.*"
+                                                      << "noext" << true;
+        QTest::newRow("exact name") << "Song.zip"
+                                    << "song.ZIP" << true;
+        QTest::newRow("blanks around patterns") << "  *.ogg ;*.wma  "
+                                                << "a.WMA" << true;
+        QTest::newRow("empty list") << ""
+                                    << "a.zip" << false;
+        QTest::newRow("non-ascii letters compare case-blind") << "*.ÄÖ"
+                                                              << "x.äö" << true;
+    }
+    void matches() {
+        QFETCH(QString, patterns);
+        QFETCH(QString, name);
+        QFETCH(bool, expected);
+        QCOMPARE(FilePatternMatcher(patterns).matches(name), expected);
+        QCOMPARE(MatchesFilePattern(name, patterns), expected);
+    }
+
+    void helpers() {
+        QCOMPARE(EnsureTrailingSlash(QStringLiteral("/a")), QStringLiteral("/a/"));
+        QCOMPARE(EnsureTrailingSlash(QStringLiteral("/a/")), QStringLiteral("/a/"));
+        QTemporaryDir dir;
+        QVERIFY(IsFolder(dir.path()));
+        QVERIFY(!IsFolder(dir.path() + QStringLiteral("/missing")));
+        QVERIFY(!IsFolder(QString()));
+        touch(dir.path() + QStringLiteral("/f.zip"));
+        QVERIFY(!IsFolder(dir.path() + QStringLiteral("/f.zip")));
+    }
+};
+
+class TestImportRun : public QObject {
+    Q_OBJECT
+    std::unique_ptr<TestWorkspace> m_ws;
+    std::unique_ptr<ScriptedPrompts> m_prompts;
+    std::unique_ptr<QTemporaryDir> m_tree;
+    std::unique_ptr<ImportRun> m_run;
+
+    QString tree(const QString& rel = QString()) const { return m_tree->path() + QLatin1Char('/') + rel; }
+
+private slots:
+    void init() {
+        m_ws = std::make_unique<TestWorkspace>();
+        m_prompts = std::make_unique<ScriptedPrompts>();
+        m_tree = std::make_unique<QTemporaryDir>();
+        importSession() = ImportSession{};
+        m_run = std::make_unique<ImportRun>();
+        m_run->setSettlePause(0);
+    }
+    void cleanup() {
+        m_run.reset();
+        m_tree.reset();
+        m_prompts.reset();
+        m_ws.reset();
+    }
+
+    // The walk over a tree with hidden entries, a link that loops, files of
+    // other kinds and names that SQL and file systems find awkward.
+    void walkTakesSongFilesOnly() {
+        const QString longName = QString(251, QLatin1Char('x')) + QStringLiteral(".zip");
+        QCOMPARE(longName.toUtf8().size(), 255);
+        const QStringList wanted = {
+            QStringLiteral("Artist - Song.zip"),
+            QStringLiteral("sub/It's \"Quoted\" - 100% _under_, a: b.mp3"),
+            QStringLiteral("sub/deeper/Ünïcödé Bänd - Mötley Sóng.MP3"),
+            QStringLiteral("sub/deeper/") + longName,
+            QStringLiteral("clip.DIVX"),
+        };
+        for (const QString& f : wanted)
+            touch(tree(f));
+        for (const char* f : {".hidden.zip", ".mp3", ".hiddendir/Hidden - Song.zip", "sub/A - B.cdg", "noext",
+                              "sub/notes.txt"})
+            touch(tree(QString::fromUtf8(f)));
+        QVERIFY(QFile::link(tree(), tree(QStringLiteral("sub/deeper/loop"))));
+        QVERIFY(QFile::link(tree(QStringLiteral("nowhere")), tree(QStringLiteral("dangling"))));
+
+        m_run->GetTracks(tree(), 1);
+
+        QStringList expectedPaths;
+        for (const QString& f : wanted)
+            expectedPaths << tree(f);
+        expectedPaths.sort();
+        QCOMPARE(catalogue(QStringLiteral("TrackPath")), expectedPaths);
+        QCOMPARE(m_run->processedCount(), wanted.size());
+        QCOMPARE(importSession().NewTrackCount, wanted.size());
+        QVERIFY(m_prompts->calls.isEmpty());
+        QCOMPARE(TestWorkspace::errorLogRecords(), 0);
+
+        const QStringList titles = catalogue(QStringLiteral("TrackName"));
+        QVERIFY(titles.contains(QStringLiteral("100%  under , a: b")));
+        QVERIFY(catalogue(QStringLiteral("ArtistName")).contains(QStringLiteral("It's \"Quoted\"")));
+        QVERIFY(titles.contains(QStringLiteral("Mötley Sóng")));
+        QVERIFY(catalogue(QStringLiteral("FileName")).contains(longName));
+    }
+
+    void linkedFolderWalkedOnce() {
+        touch(tree(QStringLiteral("real/A - B.zip")));
+        QVERIFY(QFile::link(tree(QStringLiteral("real")), tree(QStringLiteral("alias"))));
+        m_run->GetTracks(tree(), 1);
+        QCOMPARE(trackCount(), 1);
+    }
+
+    void runSignalsAndCounts() {
+        for (int i = 0; i < 10; ++i)
+            touch(tree(QStringLiteral("A - Song %1.zip").arg(i)));
+        QSignalSpy status(m_run.get(), &ImportRun::statusChanged);
+        QSignalSpy captions(m_run.get(), &ImportRun::buttonCaptionChanged);
+        QSignalSpy total(m_run.get(), &ImportRun::totalCountChanged);
+        QSignalSpy busy(m_run.get(), &ImportRun::busyChanged);
+
+        m_run->GetTracks(tree(), 1);
+        QCOMPARE(status.last().first().toString(), QStringLiteral("10 new tracks were imported."));
+        QCOMPARE(captions.first().first().toString(), QStringLiteral("Cancel Import"));
+        QCOMPARE(captions.last().first().toString(), QStringLiteral("Find Tracks"));
+        QCOMPARE(total.last().first().toString(),
+                 QStringLiteral("Total count of tracks in the database is 10"));
+        QCOMPARE(busy.first().first().toBool(), true);
+        QCOMPARE(busy.last().first().toBool(), false);
+        QVERIFY(!m_run->ImportRunning);
+        // The run compacted the catalogue and opened it again.
+        QVERIFY(IsDatabaseOpen());
+        QVERIFY(!QFile::exists(oApplicationPathsCompacted()));
+
+        // Nothing new: the sum of this program run stays.
+        m_run->GetTracks(tree(), 1);
+        QCOMPARE(status.last().first().toString(), QStringLiteral("10 new tracks were imported."));
+        QCOMPARE(m_run->processedCount(), 10);
+
+        for (int i = 0; i < 10; ++i)
+            touch(tree(QStringLiteral("more/B - Song %1.zip").arg(i)));
+        m_run->GetTracks(tree(), 1);
+        QCOMPARE(status.last().first().toString(), QStringLiteral("20 new tracks were imported."));
+        QCOMPARE(trackCount(), 20);
+    }
+
+    void invalidFolder_data() {
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("missing") << QStringLiteral("/no/such/folder");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("a file") << QStringLiteral("FILE");
+    }
+    void invalidFolder() {
+        QFETCH(QString, folder);
+        if (folder == QLatin1String("FILE")) {
+            touch(tree(QStringLiteral("A - B.zip")));
+            folder = tree(QStringLiteral("A - B.zip"));
+        }
+        QSignalSpy status(m_run.get(), &ImportRun::statusChanged);
+        QSignalSpy total(m_run.get(), &ImportRun::totalCountChanged);
+        m_run->GetTracks(folder, 1);
+        QCOMPARE(m_prompts->boxTitles(), QStringList{QStringLiteral("Invalid Folder")});
+        QCOMPARE(m_prompts->calls.first().text, QStringLiteral("Please choose a valid folder"));
+        QCOMPARE(m_prompts->calls.first().style, int(Prompts::Exclamation));
+        QCOMPARE(status.last().first().toString(), QStringLiteral("0 new tracks were imported."));
+        QCOMPARE(total.size(), 1);
+        QCOMPARE(trackCount(), 0);
+    }
+
+    // A cancel before the first 3000 rolls back every row of the run, yet the
+    // label counts what had been inserted.
+    void cancelRollsBackOpenBatch_data() {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("rowsLeft");
+        QTest::newRow("OK cancels") << int(Prompts::Ok) << 0;
+        QTest::newRow("Cancel goes on") << int(Prompts::Cancel) << 30;
+    }
+    void cancelRollsBackOpenBatch() {
+        QFETCH(int, answer);
+        QFETCH(int, rowsLeft);
+        for (int i = 0; i < 30; ++i)
+            touch(tree(QStringLiteral("A - Song %1.zip").arg(i)));
+        int pumps = 0;
+        bool clicked = false;
+        // The host clicks the button again while the fifth row is in.
+        m_run->setEventPump([&] {
+            if (++pumps == 5 && !clicked) {
+                clicked = true;
+                m_prompts->answer(answer);
+                m_run->GetTracks(tree(), 1);
+            }
+        });
+        QSignalSpy status(m_run.get(), &ImportRun::statusChanged);
+        m_run->GetTracks(tree(), 1);
+        QVERIFY(clicked);
+        QCOMPARE(m_prompts->countTitle(QStringLiteral("Cancel Import")), 1);
+        QCOMPARE(m_prompts->calls.first().text,
+                 QStringLiteral("Are you sure you wish to cancel the import?"));
+        QCOMPARE(m_prompts->calls.first().style, int(Prompts::OkCancel | Prompts::Question));
+        QCOMPARE(trackCount(), rowsLeft);
+        // The inner click and the run itself each end with the sum.
+        const QString expected = answer == Prompts::Ok ? QStringLiteral("5 new tracks were imported.")
+                                                       : QStringLiteral("30 new tracks were imported.");
+        QCOMPARE(status.last().first().toString(), expected);
+        QVERIFY(!m_run->CancelRequested);
+        QVERIFY(!InTransaction());
+    }
+
+    // A folder that goes away while the walk is on: the box, then the walk
+    // goes on with the rest.
+    void vanishedFolderReported() {
+        touch(tree(QStringLiteral("one/A - B.zip")));
+        touch(tree(QStringLiteral("two/A - B.zip")));
+        bool removed = false;
+        m_run->setEventPump([&] {
+            if (removed || trackCount() != 1)
+                return;
+            removed = true;
+            // Whichever of the two folders is not yet walked disappears.
+            const bool inOne =
+                catalogue(QStringLiteral("TrackPath")).first().startsWith(tree(QStringLiteral("one/")));
+            QDir(tree(inOne ? QStringLiteral("two") : QStringLiteral("one"))).removeRecursively();
+        });
+        BeginTrans();
+        m_run->SearchForFiles(tree());
+        CommitTrans();
+        QVERIFY(removed);
+        QCOMPARE(trackCount(), 1);
+        QCOMPARE(m_prompts->boxTitles(), QStringList{QStringLiteral("Application Error")});
+        QVERIFY(m_prompts->calls.first().text.contains(
+            QStringLiteral("in KvApp.frmOptions.SearchForFiles at line")));
+        QVERIFY(!m_run->ImportRunning);
+    }
+
+    void missingRootReported() {
+        m_run->SearchForFiles(tree(QStringLiteral("gone/")));
+        QCOMPARE(m_prompts->countTitle(QStringLiteral("Application Error")), 1);
+        QVERIFY(m_prompts->calls.first().text.contains(tree(QStringLiteral("gone/"))));
+    }
+
+    void kamikazeReadForEachFile() {
+        for (int i = 0; i < 4; ++i)
+            touch(tree(QStringLiteral("A - Song %1.zip").arg(i)));
+        int asked = 0;
+        m_run->setKamikazeSource([&] { return ++asked % 2 == 0; });
+        m_run->GetTracks(tree(), 1);
+        QCOMPARE(asked, 4);
+        QSqlQuery q = ExecuteSql(QStringLiteral("SELECT count(*) FROM tblKaraokeTracks WHERE Kamikaze = -1"));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toInt(), 2);
+    }
+
+private:
+    static QString oApplicationPathsCompacted() {
+        return WorkingFolder + QStringLiteral("kvSongListTemp.mdb");
+    }
+};
+
+KV_TEST_CLASS(TestFilePattern)
+KV_TEST_CLASS(TestImportRun)
+#include "tst_importrun.moc"
