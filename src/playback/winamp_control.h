@@ -1,0 +1,88 @@
+#pragma once
+
+#include "playback/mpvconnection.h"
+#include "playback/playerlink.h"
+#include "playback/playerprocess.h"
+
+#include <QObject>
+#include <QTimer>
+#include <functional>
+
+// The link to the private player instance: an mpv process started by the
+// program and driven over its JSON IPC channel. One connection (the player's
+// "window": open means WinampWindow is set), a launcher, and one small
+// operation for each thing the program asks of the player.
+class WinAMP_Control : public QObject, public PlayerLink {
+    Q_OBJECT
+public:
+    // The private instance's name: its window class and the name of its socket.
+    static inline const QString kPlayerClass = QStringLiteral("KVPLAY");
+    static constexpr int kRequestTimeoutMs = 1000;
+    static constexpr int kStartProbeTimeoutMs = 250;
+    static constexpr int kStopSettleMs = 500;
+    static constexpr int kFadeMs = 2000;
+    static constexpr int kFadeSteps = 20;
+
+    explicit WinAMP_Control(QObject* parent = nullptr);
+    ~WinAMP_Control() override;
+
+    // The player's executable (the setting WinAmpPath).
+    QString WinampPath() const { return m_winampPath; }
+    void setWinampPath(const QString& path) { m_winampPath = path; }
+    // The reply to the last PlayFile.
+    int LastPlayResult() const { return m_lastPlayResult; }
+    // How StartPlayer waits; by default it keeps the event loop turning.
+    void setWaiter(std::function<void(int ms)> wait) { m_wait = std::move(wait); }
+    // Where the private instance listens, so that another copy of the program finds it.
+    static QString playerSocketPath();
+    // The player's private configuration folder (below the working folder).
+    static QString playerConfigFolder();
+    qint64 playerProcessId() const { return m_process.processId(); }
+    // The connection itself, for figures and for tests that read the player's properties.
+    MpvConnection& connection() { return m_conn; }
+
+    bool isConnected() const override { return m_connected; }
+    bool FindPlayer() override;
+    bool StartPlayer() override;
+    void ClearPlaylist() override;
+    QString GetStatus() override;
+    int rawStatus() override;
+    int GetPositionSeconds() override;
+    int GetLengthSeconds() override;
+    void SetPanning(int value) override;
+    int GetPlaylistLength() override;
+    void DisableRepeat() override;
+    void DisableShuffle() override;
+    void SendCommand(int commandId) override;
+    bool PlayFile(const QString& path) override;
+
+    bool hasAudioFilter(const QString& filterName) override;
+    bool setAudioFilter(const QString& label, const QString& filter) override;
+    void removeAudioFilter(const QString& label) override;
+
+    bool isFading() const { return m_fadeTimer.isActive(); }
+
+private:
+    // The check that all but a few operations make: tells the host when there is no player.
+    bool requirePlayer();
+    QStringList playerArguments() const;
+    void prepareConfigFolder() const;
+    int secondsOf(const QString& property);
+    void toggleRepeat();
+    void toggleShuffle();
+    void play();
+    void stop();
+    void startFade();
+    void fadeStep();
+    void cancelFade();
+
+    MpvConnection m_conn;
+    PlayerProcess m_process;
+    QString m_winampPath;
+    bool m_connected = false;
+    int m_lastPlayResult = 0;
+    std::function<void(int)> m_wait;
+    QTimer m_fadeTimer;
+    int m_fadeStep = 0;
+    double m_fadeVolume = 100.0;
+};
