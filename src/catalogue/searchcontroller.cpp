@@ -269,6 +269,10 @@ void SearchController::releaseKeyboardHook() {
     delete m_keyboard.data();
 }
 
+KeyboardHook* SearchController::keyboardHook() const {
+    return m_keyboard;
+}
+
 bool SearchController::eventFilter(QObject* watched, QEvent* event) {
     if (watched == m_w.txtSearch && event->type() == QEvent::KeyPress) {
         // Enter searches and Escape clears; neither reaches the box, so no

@@ -63,7 +63,7 @@ public:
     // exit, and dropped while a dialog that takes text is open.
     void createKeyboardHook();
     void releaseKeyboardHook();
-    KeyboardHook* keyboardHook() const { return m_keyboard; }
+    KeyboardHook* keyboardHook() const;
 
     // Always 0, the search by file name: nothing changes it.
     int SearchMode() const { return m_searchMode; }

@@ -1,0 +1,509 @@
+#include "catalogue/database.h"
+#include "catalogue/searchcontroller.h"
+#include "catalogue/searchresultslist.h"
+#include "catalogue/searchresultsmodel.h"
+#include "core/appsettings.h"
+#include "core/kverror.h"
+#include "scriptedprompts.h"
+#include "testrunner.h"
+#include "workspace.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <memory>
+
+using IntList = QList<int>;
+
+namespace {
+
+// The search frame as the main window builds it, with a second text box to
+// take the focus away from the search box.
+struct SearchFrame {
+    QWidget window;
+    QLineEdit* txtSearch = new QLineEdit(&window);
+    QLineEdit* txtOther = new QLineEdit(&window);
+    QPushButton* btnSearch = new QPushButton(QStringLiteral("Search"), &window);
+    QPushButton* btnClearSearch = new QPushButton(QStringLiteral("&Clear"), &window);
+    QTableView* olvSearchResults = new QTableView(&window);
+    QTimer* tmrSearch = new QTimer(&window);
+    std::unique_ptr<SearchController> search;
+
+    SearchFrame() {
+        txtSearch->setObjectName(QStringLiteral("txtSearch"));
+        txtOther->setObjectName(QStringLiteral("txtOther"));
+        auto* layout = new QVBoxLayout(&window);
+        for (QWidget* w : {static_cast<QWidget*>(txtSearch), static_cast<QWidget*>(txtOther),
+                           static_cast<QWidget*>(btnSearch), static_cast<QWidget*>(btnClearSearch),
+                           static_cast<QWidget*>(olvSearchResults)})
+            layout->addWidget(w);
+        window.resize(700, 500);
+        tmrSearch->setInterval(500);
+        search = std::make_unique<SearchController>(
+            SearchWidgets{txtSearch, btnSearch, btnClearSearch, olvSearchResults, tmrSearch});
+    }
+    ~SearchFrame() { search.reset(); }
+
+    int rows() const { return search->model()->rowCount(); }
+    bool showAndFocus(QWidget* w) {
+        window.show();
+        QApplication::setActiveWindow(&window);
+        if (!QTest::qWaitForWindowActive(&window))
+            return false;
+        w->setFocus();
+        return QTest::qWaitFor([w] { return QApplication::focusWidget() == w; });
+    }
+    // Runs the ticks that search as you type would run, until the timer rests.
+    void runTicks() {
+        for (int i = 0; i < 50 && tmrSearch->isActive(); ++i)
+            search->tmrSearch_Timer();
+    }
+};
+
+const QStringList kSongs = {QStringLiteral("ABBA - Dancing Queen"), QStringLiteral("Abba - Waterloo"),
+                            QStringLiteral("Queen - Bohemian Rhapsody"), QStringLiteral("Blondie - Call Me"),
+                            QStringLiteral("ABBA - Broken Song")};
+
+} // namespace
+
+class TestSearchController : public QObject {
+    Q_OBJECT
+    std::unique_ptr<ScriptedPrompts> m_boxes;
+    std::unique_ptr<TestWorkspace> m_ws;
+    QList<qint64> m_ids;
+    std::unique_ptr<SearchFrame> m_f;
+
+    int errorBoxes() const { return m_boxes->countTitle(QStringLiteral("Korvane Error")); }
+
+private slots:
+    void init() {
+        Cfg = AppSettings{};
+        Cfg.InteractiveSearch = true;
+        m_boxes = std::make_unique<ScriptedPrompts>();
+        m_ws = std::make_unique<TestWorkspace>();
+        m_ids = m_ws->addSongs(kSongs);
+        // The last song is marked as faulty.
+        ExecuteSql(
+            QStringLiteral("Update tblKaraokeTracks Set Error = 1 Where KaraokeTrackID = %1").arg(m_ids[4]));
+        m_f = std::make_unique<SearchFrame>();
+    }
+    void cleanup() {
+        m_f.reset();
+        m_ws.reset();
+        m_boxes.reset();
+        Cfg = AppSettings{};
+    }
+
+    void searchModeIsFileName() { QCOMPARE(m_f->search->SearchMode(), 0); }
+
+    // Search as you type: the tick searches from four characters counted after
+    // leading blanks, clears the list on an empty text and leaves it otherwise.
+    void typingFloor_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("interactive");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("three letters: rows stay") << "abb" << true << 5;
+        QTest::newRow("four letters") << "abba" << true << 2;
+        QTest::newRow("three letters and a blank") << "abb " << true << 2;
+        QTest::newRow("a leading blank does not count") << " abb" << true << 5;
+        QTest::newRow("only blanks: cleared") << "    " << true << 0;
+        QTest::newRow("empty: cleared") << "" << true << 0;
+        QTest::newRow("words in any order") << "me call" << true << 1;
+        QTest::newRow("a word in the title") << "queen" << true << 2;
+        QTest::newRow("search as you type off") << "abba" << false << 5;
+    }
+    void typingFloor() {
+        QFETCH(QString, text);
+        QFETCH(bool, interactive);
+        QFETCH(int, rows);
+        m_f->search->LoadAllSongs();
+        QCOMPARE(m_f->rows(), 5);
+        Cfg.InteractiveSearch = interactive;
+        m_f->txtSearch->setText(text);
+        m_f->search->tmrSearch_Timer();
+        QCOMPARE(m_f->rows(), rows);
+        QVERIFY(!m_f->tmrSearch->isActive());
+    }
+
+    void changeRestartsTheWait() {
+        m_f->txtSearch->setText(QStringLiteral("a"));
+        QVERIFY(m_f->tmrSearch->isActive());
+        QCOMPARE(m_f->tmrSearch->interval(), 500);
+        QTest::qWait(250);
+        m_f->txtSearch->setText(QStringLiteral("ab"));
+        QVERIFY(m_f->tmrSearch->remainingTime() > 350);
+
+        Cfg.InteractiveSearch = false;
+        m_f->tmrSearch->stop();
+        m_f->txtSearch->setText(QStringLiteral("abc"));
+        QVERIFY(!m_f->tmrSearch->isActive());
+    }
+
+    void typingSearchesAfterTheDelay() {
+        QVERIFY(m_f->showAndFocus(m_f->txtSearch));
+        QTest::keyClicks(m_f->txtSearch, QStringLiteral("abba"));
+        QCOMPARE(m_f->rows(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(m_f->rows(), 2, 3000);
+        QVERIFY(!m_f->tmrSearch->isActive());
+    }
+
+    // A refused character: each pass cuts the last character and searches
+    // nothing; the change brings the next pass until none is left.
+    void refusedCharactersAreCut_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("finalText");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("two letters and a star") << "ab*"
+                                                << "ab" << 5;
+        QTest::newRow("star in second place, pasted") << "a*bc"
+                                                      << "a" << 5;
+        QTest::newRow("bar after a word: then it searches") << "abba|"
+                                                            << "abba" << 2;
+        QTest::newRow("brackets to nothing: cleared") << "[x]"
+                                                      << "" << 0;
+        QTest::newRow("slash") << "ac/dc"
+                               << "ac" << 5;
+    }
+    void refusedCharactersAreCut() {
+        QFETCH(QString, text);
+        QFETCH(QString, finalText);
+        QFETCH(int, rows);
+        m_f->search->LoadAllSongs();
+        m_f->txtSearch->setText(text);
+        m_f->runTicks();
+        QCOMPARE(m_f->txtSearch->text(), finalText);
+        QCOMPARE(m_f->rows(), rows);
+        QCOMPARE(TestWorkspace::errorLogRecords(), 0);
+    }
+
+    void refusedPassKeepsTheHold() {
+        Cfg.InteractiveSearch = false;
+        m_f->txtSearch->setText(QStringLiteral("abba*"));
+        m_f->search->FilterIt();
+        QCOMPARE(m_f->txtSearch->text(), QStringLiteral("abba"));
+        QVERIFY(m_f->search->list()->updateHold());
+        QVERIFY(!m_f->olvSearchResults->updatesEnabled());
+        m_f->search->FilterIt(); // Enter again: now it searches
+        QCOMPARE(m_f->rows(), 2);
+        QVERIFY(!m_f->search->list()->updateHold());
+        QVERIFY(m_f->olvSearchResults->updatesEnabled());
+    }
+
+    // Enter and the button search from one character; the list hides its id
+    // column after every load.
+    void buttonSearchHasNoFloor() {
+        m_f->olvSearchResults->setColumnWidth(0, 80);
+        m_f->txtSearch->setText(QStringLiteral("q"));
+        m_f->btnSearch->click();
+        QCOMPARE(m_f->rows(), 2);
+        QCOMPARE(m_f->olvSearchResults->columnWidth(0), 0);
+    }
+
+    void faultySongsOnlyInTheWholeList() {
+        m_f->txtSearch->setText(QStringLiteral("abba"));
+        m_f->search->FilterIt();
+        QList<qint64> found;
+        for (int r = 0; r < m_f->rows(); ++r)
+            found << m_f->search->GetSelectedSong(r);
+        QCOMPARE(found.size(), 2);
+        QVERIFY(!found.contains(m_ids[4]));
+        m_f->txtSearch->setText(QStringLiteral("broken"));
+        m_f->search->FilterIt();
+        QCOMPARE(m_f->rows(), 0);
+
+        m_f->search->LoadAllSongs();
+        QCOMPARE(m_f->rows(), 5);
+        found.clear();
+        for (int r = 0; r < m_f->rows(); ++r)
+            found << m_f->search->GetSelectedSong(r);
+        QVERIFY(found.contains(m_ids[4]));
+        QCOMPARE(m_f->olvSearchResults->columnWidth(0), 0);
+    }
+
+    void includeSongPath_data() {
+        QTest::addColumn<bool>("include");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("file name only") << false << 0;
+        QTest::newRow("whole path") << true << 4;
+    }
+    void includeSongPath() {
+        QFETCH(bool, include);
+        QFETCH(int, rows);
+        Cfg.IncludeSongPath = include;
+        m_f->txtSearch->setText(QStringLiteral("songs"));
+        m_f->search->FilterIt();
+        QCOMPARE(m_f->rows(), rows);
+    }
+
+    void apostropheMatchesLiterally() {
+        const qint64 id = m_ws->addSongs({QStringLiteral("Guns N' Roses - Don't Cry")}).first();
+        m_f->txtSearch->setText(QStringLiteral("don't"));
+        m_f->search->FilterIt();
+        QCOMPARE(m_f->rows(), 1);
+        QCOMPARE(m_f->search->GetSelectedSong(0), id);
+        QCOMPARE(TestWorkspace::errorLogRecords(), 0);
+    }
+
+    void clearButton_data() {
+        QTest::addColumn<bool>("viewAll");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("empty list") << false << 0;
+        QTest::newRow("whole catalogue") << true << 5;
+    }
+    void clearButton() {
+        QFETCH(bool, viewAll);
+        QFETCH(int, rows);
+        Cfg.ViewAllSongsAtStartup = viewAll;
+        QVERIFY(m_f->showAndFocus(m_f->txtOther));
+        m_f->txtSearch->setText(QStringLiteral("abba"));
+        m_f->search->FilterIt();
+        m_f->btnClearSearch->click();
+        QCOMPARE(m_f->txtSearch->text(), QString());
+        QCOMPARE(m_f->rows(), rows);
+        QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget*>(m_f->txtSearch));
+        // The emptied text starts the wait again: a second clear follows.
+        QVERIFY(m_f->tmrSearch->isActive());
+        m_f->search->tmrSearch_Timer();
+        QCOMPARE(m_f->rows(), rows);
+    }
+
+    // The key table, called as the hook calls it.
+    void keyTable_data() {
+        QTest::addColumn<QString>("focus");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("shift");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("keyAfter");
+        QTest::addColumn<bool>("timer");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("Enter searches, swallowed") << "txtSearch" << 13 << 0 << "abba" << 0 << false << 2;
+        QTest::newRow("Enter elsewhere") << "txtOther" << 13 << 0 << "abba" << 13 << false << 5;
+        QTest::newRow("Delete clears") << "txtSearch" << 46 << 0 << "" << 46 << true << 0;
+        QTest::newRow("Delete elsewhere") << "txtOther" << 46 << 0 << "abba" << 46 << false << 5;
+        QTest::newRow("minus") << "txtSearch" << 189 << 0 << "abba-" << 0 << true << 5;
+        QTest::newRow("Shift minus") << "txtSearch" << 189 << 1 << "abba_" << 0 << true << 5;
+        QTest::newRow("Ctrl minus") << "txtSearch" << 189 << 2 << "abba_" << 0 << true << 5;
+        QTest::newRow("minus elsewhere") << "txtOther" << 189 << 0 << "abba" << 189 << false << 5;
+        QTest::newRow("letter") << "txtSearch" << 65 << 0 << "abba" << 65 << true << 5;
+        QTest::newRow("Shift letter") << "txtSearch" << 90 << 1 << "abba" << 90 << true << 5;
+        QTest::newRow("digit") << "txtSearch" << 48 << 0 << "abba" << 48 << true << 5;
+        QTest::newRow("space") << "txtSearch" << 32 << 0 << "abba" << 32 << true << 5;
+        QTest::newRow("Ctrl+A") << "txtSearch" << 65 << 2 << "abba" << 65 << false << 5;
+        QTest::newRow("Alt+1") << "txtSearch" << 49 << 4 << "abba" << 49 << false << 5;
+        QTest::newRow("Backspace") << "txtSearch" << 8 << 0 << "abba" << 8 << false << 5;
+        QTest::newRow("F5") << "txtSearch" << 116 << 0 << "abba" << 116 << false << 5;
+        QTest::newRow("letter elsewhere") << "txtOther" << 65 << 0 << "abba" << 65 << false << 5;
+    }
+    void keyTable() {
+        QFETCH(QString, focus);
+        QFETCH(int, key);
+        QFETCH(int, shift);
+        QFETCH(QString, text);
+        QFETCH(int, keyAfter);
+        QFETCH(bool, timer);
+        QFETCH(int, rows);
+        QVERIFY(m_f->showAndFocus(focus == QLatin1String("txtSearch") ? m_f->txtSearch : m_f->txtOther));
+        m_f->search->LoadAllSongs();
+        m_f->txtSearch->setText(QStringLiteral("abba"));
+        m_f->txtSearch->setCursorPosition(1);
+        m_f->tmrSearch->stop();
+        int code = key;
+        int state = shift;
+        m_f->search->oKeyboard_KeyDown(code, state);
+        QCOMPARE(code, keyAfter);
+        QCOMPARE(m_f->txtSearch->text(), text);
+        QCOMPARE(m_f->tmrSearch->isActive(), timer);
+        QCOMPARE(m_f->rows(), rows);
+        if (key == 189 && keyAfter == 0)
+            QCOMPARE(m_f->txtSearch->cursorPosition(), 5);
+    }
+
+    // Real key events through the hook and the box's own key handling.
+    void keysThroughTheHook() {
+        QVERIFY(m_f->showAndFocus(m_f->txtSearch));
+        QSignalSpy searches(m_f->btnSearch, &QAbstractButton::clicked);
+        QSignalSpy returns(m_f->txtSearch, &QLineEdit::returnPressed);
+        m_f->search->createKeyboardHook();
+        QVERIFY(m_f->search->keyboardHook());
+
+        // Delete empties the whole box wherever the caret stands.
+        m_f->txtSearch->setText(QStringLiteral("abcdef"));
+        m_f->txtSearch->setCursorPosition(2);
+        QTest::keyClick(m_f->txtSearch, Qt::Key_Delete);
+        QCOMPARE(m_f->txtSearch->text(), QString());
+
+        // Shift and the minus key: one "_" at the end, not at the caret.
+        m_f->txtSearch->setText(QStringLiteral("ab"));
+        m_f->txtSearch->setCursorPosition(1);
+        QTest::keyClick(m_f->txtSearch, Qt::Key_Underscore, Qt::ShiftModifier);
+        QCOMPARE(m_f->txtSearch->text(), QStringLiteral("ab_"));
+        QTest::keyClick(m_f->txtSearch, Qt::Key_Minus);
+        QCOMPARE(m_f->txtSearch->text(), QStringLiteral("ab_-"));
+
+        // Enter: one search, and the box never sees the key.
+        m_f->txtSearch->setText(QStringLiteral("abba"));
+        QTest::keyClick(m_f->txtSearch, Qt::Key_Return);
+        QCOMPARE(searches.count(), 1);
+        QCOMPARE(returns.count(), 0);
+        QCOMPARE(m_f->rows(), 2);
+
+        // Another box with the focus: the table does nothing.
+        QVERIFY(m_f->showAndFocus(m_f->txtOther));
+        m_f->txtOther->setText(QStringLiteral("xyz"));
+        m_f->txtOther->setCursorPosition(0);
+        QTest::keyClick(m_f->txtOther, Qt::Key_Delete);
+        QCOMPARE(m_f->txtOther->text(), QStringLiteral("yz"));
+        QCOMPARE(m_f->txtSearch->text(), QStringLiteral("abba"));
+
+        // Released: Delete is the box's own again.
+        m_f->search->releaseKeyboardHook();
+        QVERIFY(!m_f->search->keyboardHook());
+        QVERIFY(m_f->showAndFocus(m_f->txtSearch));
+        m_f->txtSearch->setCursorPosition(0);
+        QTest::keyClick(m_f->txtSearch, Qt::Key_Delete);
+        QCOMPARE(m_f->txtSearch->text(), QStringLiteral("bba"));
+    }
+
+    void boxKeysWithoutTheHook() {
+        QVERIFY(m_f->showAndFocus(m_f->txtSearch));
+        QSignalSpy searches(m_f->btnSearch, &QAbstractButton::clicked);
+        QSignalSpy returns(m_f->txtSearch, &QLineEdit::returnPressed);
+        m_f->txtSearch->setText(QStringLiteral("q"));
+        QTest::keyClick(m_f->txtSearch, Qt::Key_Enter);
+        QCOMPARE(searches.count(), 1);
+        QCOMPARE(returns.count(), 0);
+        QCOMPARE(m_f->rows(), 2);
+        QTest::keyClick(m_f->txtSearch, Qt::Key_Escape);
+        QCOMPARE(m_f->txtSearch->text(), QString());
+        QCOMPARE(m_f->rows(), 0);
+    }
+
+    void columnWidthsRead_data() {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<IntList>("widths");
+        QTest::newRow("absent: id column 198, fifth keeps 100")
+            << QString() << IntList{198, 196, 84, 48, 100};
+        QTest::newRow("saved five") << "0;150;150;80;40" << IntList{0, 150, 150, 80, 40};
+        QTest::newRow("a word stops the rest") << "0;abc;10;10;10" << IntList{0, 100, 100, 100, 100};
+        QTest::newRow("a sixth is passed over") << "10;20;30;40;50;60" << IntList{10, 20, 30, 40, 50};
+    }
+    void columnWidthsRead() {
+        QFETCH(QString, stored);
+        QFETCH(IntList, widths);
+        if (!stored.isNull())
+            settingsfile::writeText(QStringLiteral("SearchColumns"), stored);
+        m_f->search->RetrieveSearchColumns();
+        IntList actual;
+        for (int c = 0; c < 5; ++c)
+            actual << m_f->olvSearchResults->columnWidth(c);
+        QCOMPARE(actual, widths);
+    }
+
+    void columnWidthsSaved() {
+        m_f->search->RetrieveSearchColumns();
+        m_f->txtSearch->setText(QStringLiteral("abba"));
+        m_f->search->FilterIt();
+        m_f->olvSearchResults->setColumnWidth(2, 210);
+        m_f->search->SaveSearchColumns();
+        QCOMPARE(settingsfile::readText(QStringLiteral("SearchColumns"), QString()),
+                 QStringLiteral("0;196;210;48;100"));
+        // And back.
+        m_f->olvSearchResults->setColumnWidth(2, 5);
+        m_f->search->RetrieveSearchColumns();
+        QCOMPARE(m_f->olvSearchResults->columnWidth(2), 210);
+    }
+
+    // A failing statement is logged under the procedure's name, without the box.
+    void failingQueryIsLoggedQuietly_data() {
+        QTest::addColumn<bool>("typed");
+        QTest::addColumn<QString>("source");
+        QTest::newRow("FilterIt") << true << "KvApp.frmMain.FilterIt";
+        QTest::newRow("LoadAllSongs") << false << "KvApp.frmMain.LoadAllSongs";
+    }
+    void failingQueryIsLoggedQuietly() {
+        QFETCH(bool, typed);
+        QFETCH(QString, source);
+        m_f->search->LoadAllSongs();
+        CloseDatabase();
+        m_f->txtSearch->setText(QStringLiteral("abba"));
+        if (typed)
+            m_f->search->FilterIt();
+        else
+            m_f->search->LoadAllSongs();
+        QCOMPARE(TestWorkspace::errorLogRecords(), 1);
+        QVERIFY(TestWorkspace::errorLog().contains(source));
+        QCOMPARE(errorBoxes(), 0);
+        QCOMPARE(m_f->rows(), 0);
+        QVERIFY(!m_f->search->list()->updateHold());
+        QVERIFY(OpenDatabase());
+        // Boxes that are not the error box still reach the host.
+        QCOMPARE(prompts().msgBox(QStringLiteral("t"), 0, QStringLiteral("Other")), int(Prompts::Ok));
+        QCOMPARE(m_boxes->countTitle(QStringLiteral("Other")), 1);
+    }
+
+    void longSearchText_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("one word of 10,000 characters") << QString(10000, QLatin1Char('x'));
+        QTest::newRow("5,000 words") << QStringLiteral("a ").repeated(5000);
+        QTest::newRow("10,000 apostrophes") << QString(10000, QLatin1Char('\''));
+    }
+    void longSearchText() {
+        QFETCH(QString, text);
+        m_f->txtSearch->setText(text);
+        QCOMPARE(m_f->txtSearch->text().size(), text.size());
+        m_f->search->FilterIt();
+        QVERIFY(m_f->rows() <= 4);
+        QCOMPARE(errorBoxes(), 0);
+        // The list still works afterwards.
+        m_f->txtSearch->setText(QStringLiteral("abba"));
+        m_f->search->FilterIt();
+        QCOMPARE(m_f->rows(), 2);
+    }
+
+    void selectedRowAndId() {
+        m_f->search->LoadAllSongs();
+        QCOMPARE(m_f->search->list()->selectedRow(), -1);
+        m_f->search->list()->setSelectedRow(3);
+        QCOMPARE(m_f->search->list()->selectedRow(), 3);
+        QCOMPARE(m_f->search->GetSelectedSong(3), m_f->search->model()->trackId(3));
+        bool raised = false;
+        try {
+            m_f->search->GetSelectedSong(5);
+        } catch (const KvError&) {
+            raised = true;
+        }
+        QVERIFY(raised);
+    }
+
+    void mouseOnTheResults() {
+        QVERIFY(m_f->showAndFocus(m_f->txtSearch));
+        QSignalSpy adds(m_f->search.get(), &SearchController::addSongRequested);
+        QSignalSpy menus(m_f->search.get(), &SearchController::searchOptionsRequested);
+        QWidget* viewport = m_f->olvSearchResults->viewport();
+        // An empty list: no menu.
+        QTest::mouseClick(viewport, Qt::RightButton, {}, QPoint(20, 10));
+        QCOMPARE(menus.count(), 0);
+
+        m_f->txtSearch->setText(QStringLiteral("abba"));
+        m_f->search->FilterIt();
+        const QPoint second = m_f->olvSearchResults->visualRect(m_f->search->model()->index(1, 1)).center();
+        QVERIFY(second.y() > 0);
+        // A double click as the system delivers it: press, release, then the double click.
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, second);
+        QTest::mouseDClick(viewport, Qt::LeftButton, {}, second);
+        QCOMPARE(adds.count(), 1);
+        QCOMPARE(adds.first().at(0).toInt(), 1);
+        QCOMPARE(adds.first().at(1).toLongLong(), m_f->search->model()->trackId(1));
+        QTest::mouseClick(viewport, Qt::RightButton, {}, second);
+        QCOMPARE(menus.count(), 1);
+        QCOMPARE(m_f->search->list()->selectedRow(), 1);
+    }
+};
+
+KV_TEST_CLASS(TestSearchController)
+#include "tst_searchcontroller.moc"
