@@ -25,6 +25,10 @@ QString ProperCase(const QString& text) {
         } else if (isApostrophe(c)) {
             wordStart = lettersInWord == 1;
             lettersInWord = 0;
+        } else if (c.isDigit()) {
+            // "2nd" stays as it is: a word that starts with a digit has started.
+            wordStart = false;
+            lettersInWord = 0;
         } else if (!c.isMark()) {
             lettersInWord = 0;
         }
