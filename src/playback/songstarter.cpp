@@ -1,0 +1,152 @@
+#include "songstarter.h"
+
+#include "catalogue/database.h"
+#include "core/appsettings.h"
+#include "core/capplicationpaths.h"
+#include "core/errorlog.h"
+#include "core/globals.h"
+#include "core/pathhelpers.h"
+#include "core/prompts.h"
+#include "playback/cencryptex.h"
+#include "playback/modpacemaker.h"
+#include "playback/playerlink.h"
+#include "playback/songunpacker.h"
+
+#include <QDir>
+
+QString SongStarter::unpackFolder() {
+    if (oApplicationPaths)
+        return oApplicationPaths->ApplicationSongTempPath();
+    return WorkingFolder + QStringLiteral("Temp/");
+}
+
+void SongStarter::emptyTempFolder() {
+    const QString folder = unpackFolder();
+    QDir dir(folder);
+    if (!dir.exists()) {
+        QDir().mkpath(folder);
+        return;
+    }
+    for (const QFileInfo& fi :
+         dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)) {
+        if (fi.isDir() && !fi.isSymLink())
+            QDir(fi.absoluteFilePath()).removeRecursively();
+        else
+            QFile::remove(fi.absoluteFilePath());
+    }
+}
+
+QString SongStarter::historyInsertSql(const SelectedSong& s) {
+    return QStringLiteral(
+               "Insert into tblKaraokeTrackHistory(SingerName,Artist,Title,[Key],TrackPath)Values('") +
+           MakeSafeSql(s.PerformerName) + QStringLiteral("','") + MakeSafeSql(s.ArtistName) +
+           QStringLiteral("','") + MakeSafeSql(s.TrackName) + QStringLiteral("',") + QString::number(s.Key) +
+           QStringLiteral(",'") + MakeSafeSql(s.TrackPath) + QStringLiteral("')");
+}
+
+void SongStarter::StopSong() {
+    m_player.SendCommand(PlayerLink::CmdStop);
+    m_view.showCurrentSong(QString(), QString(), QString());
+    m_pacemaker.ResetPitch();
+    m_view.setKeyCaption(QStringLiteral("0"));
+}
+
+void SongStarter::showCurrentSong() {
+    m_view.showCurrentSong(m_currentPerformer, m_currentArtist, m_currentTitle);
+}
+
+bool SongStarter::UnpackSong(const SelectedSong& song) {
+    const QString path = song.TrackPath;
+    SongUnpacker zip(unpackFolder(), ArchivePassword);
+    const int result = zip.unpack(path);
+    if (result != SongUnpacker::Ok && result != SongUnpacker::SomeSkipped) {
+        prompts().msgBox(QStringLiteral("There was an Error unzipping the file ") + path +
+                             QStringLiteral("\nPlease Check This File For Errors: \n") +
+                             QString::number(result),
+                         Prompts::OkOnly, QString());
+        return false;
+    }
+    bool complete = true;
+    if (!zip.HasCdgFile) {
+        prompts().msgBox(QStringLiteral("No CDG File can be found inside the Zip File: ") + path,
+                         Prompts::Exclamation, QStringLiteral("Missing CDG File"));
+        complete = false;
+    }
+    if (!zip.HasAudioFile) {
+        prompts().msgBox(QStringLiteral("No Audio File can be found inside the Zip File: ") + path,
+                         Prompts::Exclamation, QStringLiteral("Missing Audio File"));
+        complete = false;
+    }
+    if (!complete)
+        return false;
+    m_playFile = zip.AudioFilePath;
+    return true;
+}
+
+bool SongStarter::PlayKaraoke(int row) {
+    if (m_queue.rowCount() < 1 || row < 0 || row >= m_queue.rowCount())
+        return false;
+    SelectedSong song;
+    Guarded(kSource, 2, [&] { song = m_queue.detailsFromRow(row); });
+    Guarded(kSource, 3, [&] { StopSong(); });
+    Guarded(kSource, 4, [&] { emptyTempFolder(); });
+    m_playFile.clear();
+
+    if (!FileExists(song.TrackPath)) {
+        prompts().msgBox(
+            QStringLiteral("The file ") + song.TrackPath +
+                QStringLiteral(" could not be found\nPlease make sure that if you have renamed any "
+                               "files or moved them that you have reimported"),
+            Prompts::Exclamation, QStringLiteral("Song Not Found"));
+        return false;
+    }
+    if (SongUnpacker::IsArchive(song.TrackPath)) {
+        bool unpacked = false;
+        Guarded(kSource, 7, [&] { unpacked = UnpackSong(song); });
+        if (!unpacked) {
+            // A song that cannot be played leaves nothing of itself behind.
+            Guarded(kSource, 7, [] { emptyTempFolder(); });
+            return false;
+        }
+    } else {
+        m_playFile = song.TrackPath;
+    }
+    if (m_playFile.isEmpty() || !FileExists(m_playFile))
+        return false;
+
+    if (!song.PerformerName.isEmpty() && Cfg.SaveHistory)
+        Guarded(kSource, 9, [&] { ExecuteSql(historyInsertSql(song)); });
+    Guarded(kSource, 10, [&] {
+        m_pacemaker.SetPitch(song.Key);
+        m_view.setKeyCaption(QString::number(song.Key));
+    });
+    Guarded(kSource, 11, [&] {
+        m_player.ClearPlaylist();
+        m_player.PlayFile(m_playFile);
+    });
+    Guarded(kSource, 12, [&] {
+        m_currentPerformer = song.PerformerName;
+        m_currentArtist = song.ArtistName;
+        m_currentTitle = song.TrackName;
+        showCurrentSong();
+    });
+    if (Cfg.AutoRemoveFromQueue)
+        Guarded(kSource, 13, [&] { m_queue.removeRow(row); });
+    Guarded(kSource, 14, [&] { m_queue.saveQueue(); });
+    if (Cfg.ShowNextPerfomer && m_announcements) {
+        Guarded(kSource, 15, [&] {
+            if (m_queue.rowCount() > 0)
+                m_announcements->UpdateNextPerformer();
+            else
+                m_announcements->ClearNextPerformer();
+        });
+    }
+    if (m_jingles) {
+        Guarded(kSource, 16, [&] {
+            if (m_jingles->playerState() == 1)
+                m_jingles->stop();
+        });
+    }
+    Guarded(kSource, 17, [&] { m_player.SendCommand(PlayerLink::CmdPlay); });
+    return true;
+}

@@ -1,0 +1,174 @@
+#include "songunpacker.h"
+
+#include "core/pathhelpers.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QStorageInfo>
+
+#include <zip.h>
+
+#include <memory>
+
+namespace {
+
+struct ZipCloser {
+    void operator()(zip_t* z) const { zip_discard(z); }
+};
+struct ZipFileCloser {
+    void operator()(zip_file_t* f) const { zip_fclose(f); }
+};
+
+// The entry's extension with its point, lowered; empty when the name has none.
+QString lowerExtension(const QString& entryName) {
+    const QString base = entryName.section(QRegularExpression(QStringLiteral("[/\\\\]")), -1);
+    const int dot = base.lastIndexOf(QLatin1Char('.'));
+    return dot < 0 ? QString() : base.mid(dot).toLower();
+}
+
+bool matchesFilter(const QString& ext) {
+    for (const QString& pattern : SongUnpacker::kFilter)
+        if (pattern.mid(1) == ext)
+            return true;
+    return false;
+}
+
+} // namespace
+
+SongUnpacker::SongUnpacker(QString unpackFolder, QString password)
+    : UnpackFolder(AddBackslash(std::move(unpackFolder))), m_password(std::move(password)) {}
+
+bool SongUnpacker::IsArchive(const QString& path) {
+    return path.contains(QLatin1String(".zip"), Qt::CaseInsensitive) ||
+           path.contains(QLatin1String(".kma"), Qt::CaseInsensitive);
+}
+
+void SongUnpacker::ResetZipDetails() {
+    HasCdgFile = false;
+    HasAudioFile = false;
+    AudioFilePath.clear();
+    ArchiveStem.clear();
+    m_written.clear();
+}
+
+void SongUnpacker::discardWritten() {
+    for (const QString& f : std::as_const(m_written))
+        QFile::remove(f);
+    m_written.clear();
+    HasCdgFile = false;
+    HasAudioFile = false;
+    AudioFilePath.clear();
+}
+
+int SongUnpacker::unpack(const QString& archive) {
+    ResetZipDetails();
+    ArchiveStem = QFileInfo(archive).completeBaseName();
+    QDir().mkpath(UnpackFolder);
+    const QString folder = QDir(UnpackFolder).canonicalPath();
+
+    int err = 0;
+    std::unique_ptr<zip_t, ZipCloser> za(zip_open(QFile::encodeName(archive).constData(), ZIP_RDONLY, &err));
+    if (!za)
+        return ZipErrorBase + err;
+    const zip_int64_t count = zip_get_num_entries(za.get(), 0);
+    const QByteArray password = m_password.toUtf8();
+
+    struct Planned {
+        zip_uint64_t index;
+        QString ext;
+        qint64 size;
+        bool encrypted;
+    };
+    QList<Planned> plan;
+    bool skipped = false;
+    qint64 total = 0;
+    for (zip_int64_t i = 0; i < count; ++i) {
+        zip_stat_t st;
+        zip_stat_init(&st);
+        if (zip_stat_index(za.get(), zip_uint64_t(i), 0, &st) != 0)
+            return ZipErrorBase + zip_error_code_zip(zip_get_error(za.get()));
+        const QString name = QString::fromUtf8(st.name);
+        const QString ext = lowerExtension(name);
+        if (name.endsWith(QLatin1Char('/')) || !matchesFilter(ext)) {
+            skipped = true;
+            continue;
+        }
+        // An empty entry is no song file: passed over, as if it were not there.
+        if (!(st.valid & ZIP_STAT_SIZE) || st.size == 0) {
+            skipped = true;
+            continue;
+        }
+        if (st.size > zip_uint64_t(kMaxEntryBytes))
+            return TooLarge;
+        const bool encrypted = (st.valid & ZIP_STAT_ENCRYPTION_METHOD) && st.encryption_method != ZIP_EM_NONE;
+        plan.append({zip_uint64_t(i), ext, qint64(st.size), encrypted});
+        total += qint64(st.size);
+    }
+    const QStorageInfo disk(folder);
+    if (disk.isValid() && total > disk.bytesAvailable())
+        return TooLarge;
+
+    QByteArray buffer(256 * 1024, Qt::Uninitialized);
+    for (const Planned& p : plan) {
+        // Whatever the entry was called, it lands in the unpack folder under the archive's stem.
+        const QString target = QDir(folder).filePath(ArchiveStem + p.ext);
+        if (QFileInfo(target).absolutePath() != folder) {
+            discardWritten();
+            return WriteFailed;
+        }
+        std::unique_ptr<zip_file_t, ZipFileCloser> in(
+            p.encrypted ? zip_fopen_index_encrypted(za.get(), p.index, 0,
+                                                    password.isEmpty() ? nullptr : password.constData())
+                        : zip_fopen_index(za.get(), p.index, 0));
+        if (!in) {
+            const int code = zip_error_code_zip(zip_get_error(za.get()));
+            discardWritten();
+            return ZipErrorBase + code;
+        }
+        QFile out(target);
+        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+            discardWritten();
+            return WriteFailed;
+        }
+        if (!m_written.contains(target))
+            m_written.append(target);
+        qint64 written = 0;
+        for (;;) {
+            const zip_int64_t n = zip_fread(in.get(), buffer.data(), zip_uint64_t(buffer.size()));
+            if (n < 0) {
+                const int code = zip_error_code_zip(zip_file_get_error(in.get()));
+                out.close();
+                discardWritten();
+                return ZipErrorBase + code;
+            }
+            if (n == 0)
+                break;
+            written += n;
+            if (written > p.size) {
+                out.close();
+                discardWritten();
+                return Overrun;
+            }
+            if (out.write(buffer.constData(), n) != n) {
+                out.close();
+                discardWritten();
+                return WriteFailed;
+            }
+        }
+        if (!out.flush()) {
+            out.close();
+            discardWritten();
+            return WriteFailed;
+        }
+        out.close();
+        if (p.ext == QLatin1String(".cdg")) {
+            HasCdgFile = true;
+        } else {
+            HasAudioFile = true;
+            AudioFilePath = target; // with two audio entries the last wins
+        }
+    }
+    return skipped ? SomeSkipped : Ok;
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// Takes a karaoke archive (.zip or .kma) apart for the player: the entries
+// whose names match the filter, in any sub-folder, are written into the unpack
+// folder under the archive's own stem with their lower-cased extension, so that
+// graphics and audio always end up side by side as one pair. Nothing is ever
+// written outside the unpack folder, and a failed unpack leaves none of its
+// files behind.
+class SongUnpacker {
+public:
+    // Result codes: 0 every entry was handled; 526 some were passed over (by the
+    // filter, or being empty); 1000 + a libzip error for an archive that cannot
+    // be read (a wrong or missing password among them); and our own:
+    enum Result : int {
+        Ok = 0,
+        SomeSkipped = 526,
+        ZipErrorBase = 1000,
+        TooLarge = 2001,    // an entry declares a size that is absurd or would not fit the disk
+        Overrun = 2002,     // an entry gave more bytes than it declared
+        WriteFailed = 2003, // the unpack folder could not be written
+    };
+    // An entry above this is no karaoke song, whatever the disk could take.
+    static constexpr qint64 kMaxEntryBytes = qint64(1) << 30;
+
+    static inline const QStringList kFilter = {QStringLiteral("*.cdg"), QStringLiteral("*.mp3"),
+                                               QStringLiteral("*.wma"), QStringLiteral("*.ogg")};
+
+    SongUnpacker(QString unpackFolder, QString password);
+
+    // Unpacks `archive`; returns the result code.
+    int unpack(const QString& archive);
+
+    // What the last unpack saw.
+    bool HasCdgFile = false;
+    bool HasAudioFile = false;
+    QString AudioFilePath;
+    QString ArchiveStem;
+    QString UnpackFolder;
+    QStringList writtenFiles() const { return m_written; }
+
+    // True when the path names an archive: ".zip" or ".kma" anywhere in it, in any case.
+    static bool IsArchive(const QString& path);
+
+private:
+    void ResetZipDetails();
+    void discardWritten();
+
+    QString m_password;
+    QStringList m_written;
+};
