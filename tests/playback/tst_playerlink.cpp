@@ -181,11 +181,12 @@ private slots:
         if (withCdg)
             QVERIFY(writeFile(cdg, cdgStream(8.0)));
         loadAndPlay(audio);
-        const QString loaded = prop(*m_link, "path").toString();
+        // For a moment after the play command the player still names the file before.
         if (withCdg) {
             // The graphics are the file; the audio plays beside them, untouched.
-            QVERIFY2(loaded.endsWith(".play.cdg"), qPrintable(loaded));
-            QVERIFY(loaded.startsWith(oApplicationPaths->ApplicationSongTempPath()));
+            const QString copy = oApplicationPaths->ApplicationSongTempPath() +
+                                 QFileInfo(name).completeBaseName() + ".play.cdg";
+            QTRY_COMPARE(prop(*m_link, "path").toString(), copy);
             auto externalAudio = [&] {
                 for (const QJsonValue& t : prop(*m_link, "track-list").toArray()) {
                     const QJsonObject o = t.toObject();
@@ -196,7 +197,7 @@ private slots:
             };
             QTRY_VERIFY(externalAudio());
         } else {
-            QCOMPARE(loaded, audio);
+            QTRY_COMPARE(prop(*m_link, "path").toString(), audio);
         }
         m_link->SendCommand(PlayerLink::CmdStop);
     }
