@@ -86,6 +86,7 @@ struct ZipEntry {
 // Writes a zip holding `entries`; encrypted ones use AES-256 with `password`.
 inline bool makeZip(const QString& path, const QList<ZipEntry>& entries, const QString& password = {}) {
     QFile::remove(path);
+    QDir().mkpath(QFileInfo(path).absolutePath());
     int err = 0;
     zip_t* za = zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &err);
     if (!za)
