@@ -111,7 +111,7 @@ void ImportRun::runImport(const QString& folderText, int convention) {
     // A run started from inside another one (between two of its folders) leaves
     // the compaction to the outer run: closing the connection now would drop
     // the outer run's open batch.
-    if (m_compactAfterRun && m_runDepth == 1)
+    if (m_runDepth == 1)
         DatabaseCompact();
     emit busyChanged(false);
     --m_runDepth;

@@ -50,9 +50,6 @@ public:
     // The run waits this long after the walk before it ends (1000 ms), so
     // that the last progress can be read.
     void setSettlePause(int ms) { m_settlePauseMs = ms; }
-    // Whether the catalogue is compacted after each run (it is, unless a
-    // measurement of the walk alone turns it off).
-    void setCompactAfterRun(bool on) { m_compactAfterRun = on; }
 
 signals:
     // Caption of the run's button: "Cancel Import" while running, "Find Tracks" otherwise.
@@ -80,7 +77,6 @@ private:
     std::function<bool()> m_kamikaze;
     std::function<void()> m_pump;
     int m_settlePauseMs = 1000;
-    bool m_compactAfterRun = true;
     int m_runDepth = 0;
 };
 

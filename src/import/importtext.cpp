@@ -25,7 +25,8 @@ QString CleanNamePart(QStringView piece) {
         piece = piece.sliced(1);
 
     QString s = piece.toString();
-    s.replace(QLatin1Char('_'), QLatin1Char(' '));
+    if (s.contains(QLatin1Char('_')))
+        s.replace(QLatin1Char('_'), QLatin1Char(' '));
     // The extensions of the files that the host's names usually end in, each
     // removed everywhere in turn.
     static constexpr std::array<QLatin1String, 5> kExtensions = {QLatin1String(".zip"), QLatin1String(".cdg"),
@@ -42,8 +43,11 @@ QString CleanNamePart(QStringView piece) {
 }
 
 QString EscapeQuotes(QStringView text) {
-    QString s = text.toString();
+    return EscapeQuotes(text.toString());
+}
+
+QString EscapeQuotes(QString&& text) {
     if (text.contains(QLatin1Char('\'')))
-        s.replace(QLatin1Char('\''), QStringLiteral("''"));
-    return s;
+        text.replace(QLatin1Char('\''), QStringLiteral("''"));
+    return std::move(text);
 }

@@ -13,3 +13,4 @@ QString CleanNamePart(QStringView piece);
 
 // Doubles every apostrophe, for a value joined into an SQL literal.
 QString EscapeQuotes(QStringView text);
+QString EscapeQuotes(QString&& text);

@@ -10,10 +10,14 @@
 
 #include <QCoreApplication>
 #include <QList>
+#include <QSqlDriver>
 #include <QStringView>
+#include <QVariant>
 
 #include <array>
 #include <span>
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -94,6 +98,44 @@ constexpr int kAllInOne = 4;
 
 QString clean(QStringView v) {
     return EscapeQuotes(CleanNamePart(v));
+}
+
+sqlite3* catalogueHandle() {
+    const QVariant handle = dbConnection().driver()->handle();
+    if (qstrcmp(handle.typeName(), "sqlite3*") != 0)
+        return nullptr;
+    return *static_cast<sqlite3* const*>(handle.constData());
+}
+
+// Runs one row's statement straight on the catalogue connection's SQLite
+// handle: the same connection and transaction as everything else, without the
+// per-statement query objects, which cost a tenth of an import's time.
+// Returns 0, or SQLite's extended error code.
+qint32 runInsert(const QString& sql) {
+    sqlite3* db = catalogueHandle();
+    if (!db)
+        throw KvError(3704, QStringLiteral("Operation is not allowed when the object is closed."), kSource);
+    const QByteArray text = sql.toUtf8();
+    sqlite3_stmt* stmt = nullptr;
+    const char* tail = nullptr;
+    int rc = sqlite3_prepare_v2(db, text.constData(), int(text.size()), &stmt, &tail);
+    // Text behind the statement is refused, never run as a second one.
+    if (rc == SQLITE_OK && tail && !QByteArrayView(tail).trimmed().isEmpty()) {
+        sqlite3_finalize(stmt);
+        throw KvError(1, QStringLiteral("Unable to execute multiple statements at a time"), kSource);
+    }
+    if (rc == SQLITE_OK && stmt) {
+        rc = sqlite3_step(stmt);
+        if (rc == SQLITE_DONE || rc == SQLITE_ROW)
+            rc = SQLITE_OK;
+    }
+    sqlite3_finalize(stmt);
+    return rc == SQLITE_OK ? 0 : sqlite3_extended_errcode(db);
+}
+
+QString lastDatabaseError() {
+    sqlite3* db = catalogueHandle();
+    return db ? QString::fromUtf8(sqlite3_errmsg(db)) : QString();
 }
 
 // The text less its last four characters: the extension of most song files.
@@ -262,11 +304,9 @@ void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
         sql += QLatin1String("', ");
         sql += kamikazeWord;
         sql += QLatin1Char(')');
-        try {
-            ExecuteSql(sql);
-        } catch (const KvError& e) {
-            if (!isConstraintFailure(e.number()))
-                throw;
+        if (const qint32 failure = runInsert(sql); failure != 0) {
+            if (!isConstraintFailure(failure))
+                throw KvError(failure, lastDatabaseError(), kSource);
             // The catalogue has this file already: counted, left as it is.
             ++ProcessedCount;
             return;
