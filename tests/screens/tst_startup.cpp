@@ -4,11 +4,14 @@
 #include "core/cinifile.h"
 #include "core/globals.h"
 #include "screens/frmmain.h"
+#include "screens/frmsplash.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
 #include "workspace.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QPointer>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
@@ -140,6 +143,8 @@ private slots:
         QTest::newRow("catalogue of another engine") << "jet" << "Database connection failed";
         QTest::newRow("empty catalogue file") << "empty" << "Database connection failed";
         QTest::newRow("truncated catalogue") << "truncated" << "Database connection failed";
+        QTest::newRow("locked catalogue") << "locked" << "Database connection failed";
+        QTest::newRow("working folder blocked") << "blocked" << "Settings File Cannot Be Located";
     }
     void failedStarts() {
         QFETCH(QString, setup);
@@ -169,6 +174,20 @@ private slots:
             const QByteArray whole = readAll(db);
             writeAll(db, whole.left(whole.size() - 4096));
         }
+        sqlite3* holder = nullptr;
+        if (setup == "locked") {
+            // Another program holds the catalogue in an exclusive transaction.
+            QFile::copy(cApplicationPaths::installFolder() + "kvsonglist.mdb", db);
+            QFile::setPermissions(db, QFile::ReadOwner | QFile::WriteOwner);
+            sqlite3_open(QFile::encodeName(db).constData(), &holder);
+            sqlite3_exec(holder, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
+        } else if (setup == "blocked") {
+            // A file stands where the working folder's parent should be made.
+            QDir(workingFolder()).removeRecursively();
+            const QString company = QFileInfo(workingFolder() + "..").absoluteFilePath();
+            QDir(company).removeRecursively();
+            writeAll(company, "not a folder");
+        }
         const bool existed = QFileInfo(db).isFile();
         const QByteArray before = existed ? readAll(db) : QByteArray();
         ScriptedPrompts p;
@@ -178,8 +197,14 @@ private slots:
         QCOMPARE(p.boxTitles(), QStringList{title});
         QVERIFY(!w.isVisible());
         QVERIFY(!IsDatabaseOpen());
+        if (holder) {
+            sqlite3_exec(holder, "ROLLBACK", nullptr, nullptr, nullptr);
+            sqlite3_close(holder);
+        }
         if (existed)
             QCOMPARE(readAll(db), before); // the host's file is left as it was
+        if (setup == "blocked")
+            QFile::remove(QFileInfo(workingFolder() + "..").absoluteFilePath());
         if (setup == "settings-dir")
             QCOMPARE(p.calls.first().style, 16400);
     }
@@ -222,6 +247,28 @@ private slots:
         QVERIFY(q.next());
         QCOMPARE(q.value(0).toInt(), moved ? 0 : 1);
         QVERIFY(readAll(workingFolder() + "settings.ini").contains("[Mine]\nKeep=1")); // settings stay
+        w.close();
+    }
+
+    void mainWindowWaitsForSplashTimer() {
+        ScriptedPrompts p;
+        frmMain w;
+        w.setSplashMinimumMs(400);
+        QVERIFY(w.Form_Load({}));
+        QVERIFY(!w.isVisible()); // the start-up is done, the splash's time is not
+        QPointer<frmSplash> splash;
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (auto* s = qobject_cast<frmSplash*>(top))
+                splash = s;
+        QVERIFY(splash);
+        QVERIFY(splash->isVisible());
+        QCOMPARE(splash->lblProgress->text(), QStringLiteral("Startup Completed"));
+        QCOMPARE(splash->lblApplicationDetails->text(), QStringLiteral("Version: %1.%2.%3")
+                                                            .arg(KV_VERSION_MAJOR)
+                                                            .arg(KV_VERSION_MINOR)
+                                                            .arg(KV_VERSION_PATCH));
+        QTRY_VERIFY_WITH_TIMEOUT(w.isVisible(), 3000);
+        QTRY_VERIFY(!splash || !splash->isVisible());
         w.close();
     }
 
