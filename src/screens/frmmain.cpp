@@ -1,10 +1,13 @@
 #include "frmmain.h"
 
 #include "frmsplash.h"
+#include "mainparts.h"
 #include "mainlayout.h"
 #include "windowplacement.h"
 
 #include "catalogue/database.h"
+#include "catalogue/searchcontroller.h"
+#include "catalogue/searchresultslist.h"
 #include "core/appsettings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
@@ -17,6 +20,9 @@
 #include "core/twips.h"
 #include "core/version.h"
 #include "core/workingfolder.h"
+#include "playback/playerstartup.h"
+#include "queue/queuecontroller.h"
+#include "queue/singernames.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -126,6 +132,18 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     setObjectName(QStringLiteral("frmMain"));
     buildControls();
     buildMenus();
+    m_parts = new MainParts(*this);
+    // The transport owns the timers of the play panel.
+    Transport& t = m_parts->transport();
+    tmrUpdateClock = &t.tmrUpdateClock;
+    tmrAutoplay = &t.tmrAutoplay;
+    tmrDelay = &t.tmrDelay;
+    tmrRestart = &t.tmrRestart;
+    tmrUpdateClock->setObjectName(QStringLiteral("tmrUpdateClock"));
+    tmrAutoplay->setObjectName(QStringLiteral("tmrAutoplay"));
+    tmrDelay->setObjectName(QStringLiteral("tmrDelay"));
+    tmrRestart->setObjectName(QStringLiteral("tmrRestart"));
+    tmrUpdateClock->start(); // runs from the moment the window exists
     setPromptsParent(this);
 }
 
@@ -242,13 +260,8 @@ void frmMain::buildControls() {
     picPreview->setAlignment(Qt::AlignCenter);
     picPreview->setContextMenuPolicy(Qt::CustomContextMenu);
 
-    tmrUpdateClock = makeTimer(this, "tmrUpdateClock", 1000);
-    tmrAutoplay = makeTimer(this, "tmrAutoplay", 1000);
-    tmrDelay = makeTimer(this, "tmrDelay", 5000);
-    tmrRestart = makeTimer(this, "tmrRestart", 500);
     tmrSearch = makeTimer(this, "tmrSearch", 500);
     tmrTimeOut = makeTimer(this, "tmrTimeOut", 1000);
-    tmrUpdateClock->start(); // runs from the moment the window exists
 
     layoutToWindow();
 }
@@ -381,8 +394,8 @@ bool frmMain::Form_Load(const QString& commandLine) {
     step([&] { InitialiseStartup(); });
     step([&] { InitialiseJingles(); });
     step([&] { showBackgroundPreview(); });
-    step([&] { prepareSearchListSeam(); });
-    step([&] { clearSearchSeam(); });
+    step([&] { PreparePlaybackAtStartup(m_parts->pacemaker()); });
+    step([&] { m_parts->createKeyboardHook(); });
     step([&] { EnsureWindowOnDesktop(this, false, true); });
     if (end) {
         CloseDatabase();
@@ -418,21 +431,38 @@ void frmMain::InitialiseStartup() {
     progress(QStringLiteral("Getting Settings"));
     guarded([&] { ApplyFirstStart(oApplicationPaths->ApplicationDocuments(), oApplicationPaths->ApplicationInstallPath()); });
     ReadStartupSettings(kInitSource);
-    guarded([&] { tmrDelay->setInterval(Cfg.AutoPlayDelay * 1000); });
+    guarded([&] { m_parts->transport().setAutoPlayDelay(Cfg.AutoPlayDelay); });
+    guarded([&] { m_parts->queue().applyStartupSwitches(); });
     if (Cfg.SaveWindowPosition) {
         progress(QStringLiteral("Getting Window Positions"));
         guarded([&] { applyWindowPositions(); });
     }
     progress(QStringLiteral("Applying Color Scheme"));
+    guarded([&] { SetFormColors(); });
+    guarded([&] {
+        InitSingerNames(Cfg.DefaultName);
+        LoadSingerNames();
+    });
     progress(QStringLiteral("Setting Up Second Screen"));
+    guarded([&] { setUpSecondScreen(); });
     ReadLateStartupSettings(kInitSource);
     guarded([&] { QCoreApplication::processEvents(); });
-    guarded([&] { retrieveColumnsSeam(); });
-    guarded([&] { Cfg.WinAmpPath = settingsfile::readText(QStringLiteral("WinAmpPath"), settingsfile::defaultPlayerPath()); });
-    progress(QStringLiteral("Restoring Queue"));
-    guarded([&] { restoreQueueSeam(); });
-    progress(QStringLiteral("Starting Winamp Instance"));
-    guarded([&] { startPlayerSeam(); });
+    guarded([&] { m_parts->queue().RetrieveQueueColumns(); });
+    guarded([&] { m_parts->search().RetrieveSearchColumns(); });
+    guarded([&] { QCoreApplication::processEvents(); });
+    guarded([&] {
+        if (Cfg.ViewAllSongsAtStartup)
+            m_parts->search().LoadAllSongs();
+    });
+    guarded([&] {
+        Cfg.WinAmpPath = settingsfile::readText(QStringLiteral("WinAmpPath"), settingsfile::defaultPlayerPath());
+    });
+    // The queue comes back, then the player starts (with their progress texts).
+    guarded([&] {
+        StartPlayerAtStartup(
+            m_parts->player(), [&](const QString& text) { progress(text); },
+            [&] { m_parts->queue().RestoreQueue(); });
+    });
     progress(QStringLiteral("Startup Completed"));
     guarded([&] {
         if (m_splash)
@@ -505,9 +535,10 @@ void frmMain::Form_Unload() {
     int line = 0;
     auto guarded = [&](const std::function<void()>& statement) { Guarded(source, ++line, statement); };
     guarded([&] { setMinimumSize(0, 0); });
-    guarded([&] { closeResultSetsSeam(); });
+    guarded([&] { m_parts->releaseKeyboardHook(); });
+    guarded([&] { m_parts->search().list()->clear(); });
     guarded([&] { CloseDatabase(); });
-    guarded([&] { closePlayerSeam(); });
+    guarded([&] { ClosePlayerAtShutdown(m_parts->player()); });
     guarded([&] { QCoreApplication::processEvents(); });
     guarded([&] {
         if (isMinimized())
@@ -517,7 +548,8 @@ void frmMain::Form_Unload() {
         if (Cfg.SaveWindowPosition && oSettings)
             saveWindowPositions();
     });
-    guarded([&] { saveColumnsSeam(); });
+    guarded([&] { m_parts->queue().SaveQueueColumns(); });
+    guarded([&] { m_parts->search().SaveSearchColumns(); });
     guarded([&] { RemoveTempFolder(); });
     UnloadAllForms();
     oSettings.reset();
@@ -542,11 +574,5 @@ void frmMain::UnloadAllForms() {
 
 void frmMain::InitBacking() {}
 void frmMain::InitialiseJingles() {}
-void frmMain::startPlayerSeam() {}
-void frmMain::closePlayerSeam() {}
-void frmMain::restoreQueueSeam() {}
-void frmMain::prepareSearchListSeam() {}
-void frmMain::clearSearchSeam() {}
-void frmMain::retrieveColumnsSeam() {}
-void frmMain::saveColumnsSeam() {}
-void frmMain::closeResultSetsSeam() {}
+void frmMain::SetFormColors() {}
+void frmMain::setUpSecondScreen() {}

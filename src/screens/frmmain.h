@@ -12,6 +12,7 @@ class QPushButton;
 class QTableView;
 class QTimer;
 class frmSplash;
+class MainParts;
 
 // The host's one working screen. It is created first and owns the start-up
 // and the shutdown of the program; its controls carry the names the rest of
@@ -33,6 +34,8 @@ public:
     void setSplashMinimumMs(int ms) { m_splashMinimumMs = ms; }
     // True once the splash has gone and the main window is shown.
     bool isReady() const { return m_ready; }
+    // The search, the queue, the player and the transport behind the controls.
+    MainParts& parts() { return *m_parts; }
 
     // Controls, by frame.
     QFrame *fraTrackDetails, *fraPlayControl, *fraKeyChange, *fraBalance, *fraKami, *fraMpx, *fraJingles;
@@ -77,19 +80,15 @@ private:
     void layoutToWindow();
     void splashDone();
 
-    // Steps that belong to the player, the jingles, the audience screen, the
-    // search list and the queue; each is filled by the code of that subsystem.
+    // Steps that belong to the fill music, the colour schemes and the audience
+    // screen, which this console does not have yet: each is the place where
+    // that part joins the start-up.
     void InitBacking();
     void InitialiseJingles();
-    void startPlayerSeam();
-    void closePlayerSeam();
-    void restoreQueueSeam();
-    void prepareSearchListSeam();
-    void clearSearchSeam();
-    void retrieveColumnsSeam();
-    void saveColumnsSeam();
-    void closeResultSetsSeam();
+    void SetFormColors();
+    void setUpSecondScreen();
 
+    MainParts* m_parts = nullptr;
     frmSplash* m_splash = nullptr;
     int m_splashMinimumMs = 5000;
     bool m_ready = false;

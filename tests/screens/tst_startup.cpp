@@ -7,6 +7,7 @@
 #include "screens/frmsplash.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
+#include "playbackmedia.h"
 #include "workspace.h"
 
 #include <QApplication>
@@ -50,6 +51,17 @@ void makeOldCatalogue(const QString& path) {
     sqlite3_exec(db, "CREATE TABLE tblImport (a TEXT); CREATE TABLE KaraokeTracks (b TEXT);", nullptr, nullptr,
                  nullptr);
     sqlite3_close(db);
+}
+
+// A working folder seeded from the templates, its player the real one
+// without sound or picture.
+void seedWithQuietPlayer() {
+    QDir().mkpath(workingFolder());
+    QFile::copy(cApplicationPaths::installFolder() + "settings.ini", workingFolder() + "settings.ini");
+    QFile::setPermissions(workingFolder() + "settings.ini", QFile::ReadOwner | QFile::WriteOwner);
+    CIniFile ini;
+    ini.setFileName(workingFolder() + "settings.ini");
+    ini.SaveStringValue("Settings", "WinAmpPath", playbackmedia::writePlayerWrapper(documents()));
 }
 
 } // namespace
@@ -96,6 +108,7 @@ private slots:
     }
 
     void secondStartTouchesNothing() {
+        seedWithQuietPlayer();
         {
             ScriptedPrompts p;
             frmMain w;
@@ -115,9 +128,15 @@ private slots:
     }
 
     void settingsReadWithDefaults() {
-        writeAll(workingFolder() + "settings.ini",
-                 "[Settings]\nFirstStart=0\nAutoPlayDelay=9\nPromptForPerfomer=0\nPromptForPerformer=1\n"
-                 "StopKaraokeTrackOnJinglePlay=0\nDefaultName=Zo\xc3\xab\nNoFadeOnRestart=0\n");
+        seedWithQuietPlayer();
+        CIniFile ini;
+        ini.setFileName(workingFolder() + "settings.ini");
+        const QList<std::pair<QString, QString>> keys = {
+            {"FirstStart", "0"}, {"AutoPlayDelay", "9"}, {"PromptForPerfomer", "0"}, {"PromptForPerformer", "1"},
+            {"StopKaraokeTrackOnJinglePlay", "0"}, {"DefaultName", QString::fromUtf8("Zo\xc3\xab")},
+            {"NoFadeOnRestart", "0"}};
+        for (const auto& [key, value] : keys)
+            ini.SaveStringValue("Settings", key, value);
         ScriptedPrompts p;
         frmMain w;
         QVERIFY(start(w));
@@ -225,6 +244,7 @@ private slots:
         QFETCH(int, answer);
         QFETCH(bool, asked);
         QFETCH(bool, moved);
+        seedWithQuietPlayer();
         {
             ScriptedPrompts p;
             frmMain w;
@@ -251,9 +271,10 @@ private slots:
     }
 
     void mainWindowWaitsForSplashTimer() {
+        seedWithQuietPlayer();
         ScriptedPrompts p;
         frmMain w;
-        w.setSplashMinimumMs(400);
+        w.setSplashMinimumMs(4000);
         QVERIFY(w.Form_Load({}));
         QVERIFY(!w.isVisible()); // the start-up is done, the splash's time is not
         QPointer<frmSplash> splash;
@@ -267,12 +288,13 @@ private slots:
                                                             .arg(KV_VERSION_MAJOR)
                                                             .arg(KV_VERSION_MINOR)
                                                             .arg(KV_VERSION_PATCH));
-        QTRY_VERIFY_WITH_TIMEOUT(w.isVisible(), 3000);
+        QTRY_VERIFY_WITH_TIMEOUT(w.isVisible(), 8000);
         QTRY_VERIFY(!splash || !splash->isVisible());
         w.close();
     }
 
     void shutdownSavesPlaceAndRemovesTemp() {
+        seedWithQuietPlayer();
         ScriptedPrompts p;
         frmMain w;
         QVERIFY(start(w));
@@ -289,8 +311,10 @@ private slots:
     }
 
     void noPlaceSavedWhenSwitchedOff() {
-        QDir().mkpath(workingFolder());
-        writeAll(workingFolder() + "settings.ini", "[Settings]\nFirstStart=0\nSaveWindowPosition=0\n");
+        seedWithQuietPlayer();
+        CIniFile ini;
+        ini.setFileName(workingFolder() + "settings.ini");
+        ini.SaveStringValue("Settings", "SaveWindowPosition", "0");
         ScriptedPrompts p;
         frmMain w;
         QVERIFY(start(w));
