@@ -46,8 +46,11 @@ QString headerProblem(const QString& path) {
     if (pageSize == 1)
         pageSize = 65536;
     const quint32 pages = be32(28);
-    // The page count in the header is valid when its change counter matches.
-    if (pages != 0 && be32(24) == be32(92) && qint64(pages) * pageSize > size)
+    // The page count in the header is valid when its change counter matches,
+    // and speaks for the file alone when no journal of an unfinished write
+    // lies beside it (SQLite completes such a file from its journal).
+    const bool journal = QFile::exists(path + QStringLiteral("-wal")) || QFile::exists(path + QStringLiteral("-journal"));
+    if (!journal && pages != 0 && be32(24) == be32(92) && qint64(pages) * pageSize > size)
         return QStringLiteral("the file is cut short");
     return {};
 }
@@ -73,6 +76,37 @@ void syncFile(const QString& path) {
         ::fsync(fd);
         ::close(fd);
     }
+}
+
+// The shared connection's way of working: a write-ahead log, so that a
+// commit costs one flush of the log (a saved queue lands in a few
+// milliseconds, and a program killed after it finds it there), and a page
+// cache that holds a catalogue of a hundred thousand songs whole, so that a
+// typed search does not read the file again.
+QString applyConnectionSettings(QSqlDatabase& db) {
+    for (const char* pragma : {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = FULL", "PRAGMA cache_size = -32768"}) {
+        QSqlQuery q(db);
+        if (!q.exec(QString::fromLatin1(pragma)))
+            return q.lastError().databaseText();
+    }
+    return {};
+}
+
+// Reads the schema of a freshly opened catalogue and sets the connection up;
+// an empty text when the catalogue is fit for use, else what is wrong.
+QString checkCatalogue(QSqlDatabase& db) {
+    {
+        QSqlQuery probe(db);
+        if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")))
+            return probe.lastError().databaseText();
+    } // no read may stay open while the journal mode changes
+    if (tableExists(db, QStringLiteral("tblKaraokeTracks")))
+        return applyConnectionSettings(db);
+    // A catalogue of the old layout is opened as it is, to be refused by its
+    // own check without a byte of it changed.
+    if (tableExists(db, QStringLiteral("tblImport")))
+        return {};
+    return QStringLiteral("it is not a song catalogue of this program");
 }
 
 } // namespace
@@ -116,16 +150,10 @@ bool OpenDatabase() {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), kConnectionName);
         db.setDatabaseName(path);
         db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=2000"));
-        if (!db.open()) {
+        if (!db.open())
             failure = db.lastError().text();
-        } else {
-            QSqlQuery probe(db);
-            if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")))
-                failure = probe.lastError().databaseText();
-            else if (!tableExists(db, QStringLiteral("tblKaraokeTracks")) &&
-                     !tableExists(db, QStringLiteral("tblImport")))
-                failure = QStringLiteral("it is not a song catalogue of this program");
-        }
+        else
+            failure = checkCatalogue(db);
     }
     if (!failure.isEmpty()) {
         CloseDatabase();

@@ -1,7 +1,7 @@
 #include "scriptedprompts.h"
 
-ScriptedPrompts::ScriptedPrompts() { setPrompts(this); }
-ScriptedPrompts::~ScriptedPrompts() { setPrompts(nullptr); }
+ScriptedPrompts::ScriptedPrompts() : m_previous(&prompts()) { setPrompts(this); }
+ScriptedPrompts::~ScriptedPrompts() { setPrompts(m_previous); }
 
 QVariant ScriptedPrompts::next() { return m_answers.isEmpty() ? QVariant() : m_answers.dequeue(); }
 

@@ -9,7 +9,8 @@
 
 // Prompts for tests: answers come from a script, in order, and every prompt is
 // recorded. When the script runs dry a box answers its first button and a
-// dialog is cancelled.
+// dialog is cancelled. It is in force while it lives, and puts back the
+// prompts it replaced (the test runner's own, which never block) when it goes.
 class ScriptedPrompts : public Prompts {
 public:
     struct Call {
@@ -41,6 +42,7 @@ public:
 
 private:
     QVariant next();
+    Prompts* m_previous = nullptr;
     QString nextText(const QString& kind, const QString& title, const QString& text);
     QQueue<QVariant> m_answers;
 };
