@@ -130,9 +130,13 @@ int main(int argc, char** argv) {
         QElapsedTimer t;
         t.start();
         const std::clock_t cpu = std::clock();
-        BeginTrans();
-        importer.SearchForFiles(root + QLatin1Char('/'));
-        CommitTrans();
+        {
+            // As the import run does it.
+            const BulkWrites bulk;
+            BeginTrans();
+            importer.SearchForFiles(root + QLatin1Char('/'));
+            CommitTrans();
+        }
         importTimes.push_back(t.nsecsElapsed() / 1e9);
         importCpu.push_back(double(std::clock() - cpu) / CLOCKS_PER_SEC);
         const qint64 rows = rowCount();

@@ -111,13 +111,20 @@ QString checkCatalogue(QSqlDatabase& db) {
 
 } // namespace
 
+namespace {
+quint64 g_generation = 0;
+}
+
 QSqlDatabase dbConnection() { return QSqlDatabase::database(kConnectionName, false); }
+
+quint64 ConnectionGeneration() { return g_generation; }
 
 bool IsDatabaseOpen() { return QSqlDatabase::contains(kConnectionName) && dbConnection().isOpen(); }
 
 void CloseDatabase() {
     if (!QSqlDatabase::contains(kConnectionName))
         return;
+    ++g_generation;
     {
         QSqlDatabase db = dbConnection();
         db.close();
@@ -145,6 +152,7 @@ bool OpenDatabase() {
     }
 
     CloseDatabase();
+    ++g_generation;
     QString failure;
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), kConnectionName);
@@ -258,6 +266,23 @@ bool CheckForOldDatabase() {
             return false;
     }
     return true;
+}
+
+BulkWrites::BulkWrites() {
+    if (!IsDatabaseOpen())
+        return;
+    // The log is folded into the file once, at the end, rather than every
+    // thousand pages on the way.
+    QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
+    QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_autocheckpoint = 0"));
+}
+
+BulkWrites::~BulkWrites() {
+    if (!IsDatabaseOpen())
+        return;
+    QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_autocheckpoint = 1000"));
+    QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA synchronous = FULL"));
+    QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)"));
 }
 
 QString MakeSafeSql(const QString& text) {

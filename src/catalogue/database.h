@@ -12,6 +12,9 @@ inline const QString kConnectionName = QStringLiteral("dbConnection");
 // The shared connection (not valid while closed).
 QSqlDatabase dbConnection();
 bool IsDatabaseOpen();
+// Counts the openings and closings of the shared connection: what was taken
+// from the connection under one number stays good while the number holds.
+quint64 ConnectionGeneration();
 
 // Opens the catalogue of the data folder, first recovering from a compaction
 // that was cut short. Tells the host and returns false when the catalogue is
@@ -31,6 +34,18 @@ void DatabaseCompact();
 bool CompactTheDatabase(const QString& source, const QString& destination);
 // True when the catalogue is of the old layout (it has tblImport and KaraokeTracks).
 bool CheckForOldDatabase();
+
+// While one lives, the shared connection's commits are not flushed to disk
+// one by one (the log still is, at each checkpoint): for batch work such as an
+// import, whose last batch may be lost in a power cut and is simply run again.
+// A process that is killed loses nothing it committed.
+class BulkWrites {
+public:
+    BulkWrites();
+    ~BulkWrites();
+    BulkWrites(const BulkWrites&) = delete;
+    BulkWrites& operator=(const BulkWrites&) = delete;
+};
 
 // Doubles every single quote of a value that goes into an SQL literal.
 QString MakeSafeSql(const QString& text);

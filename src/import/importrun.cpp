@@ -93,17 +93,20 @@ void ImportRun::runImport(const QString& folderText, int convention) {
     RootFolder = EnsureTrailingSlash(folderText);
     m_matcher = FilePatternMatcher(kSongFilePattern);
 
-    Guarded(kRunSource, 5, [] { BeginTrans(); });
-    SearchForFiles(RootFolder);
-    if (m_settlePauseMs > 0)
-        QThread::msleep(m_settlePauseMs);
-    emit statusChanged(QStringLiteral("Import Completed"));
-    Guarded(kRunSource, 9, [this] {
-        if (CancelRequested)
-            RollbackTrans();
-        else
-            CommitTrans();
-    });
+    {
+        const BulkWrites bulk;
+        Guarded(kRunSource, 5, [] { BeginTrans(); });
+        SearchForFiles(RootFolder);
+        if (m_settlePauseMs > 0)
+            QThread::msleep(m_settlePauseMs);
+        emit statusChanged(QStringLiteral("Import Completed"));
+        Guarded(kRunSource, 9, [this] {
+            if (CancelRequested)
+                RollbackTrans();
+            else
+                CommitTrans();
+        });
+    }
     emit buttonCaptionChanged(kFindTracks);
     CancelRequested = false;
     ImportRunning = false;
