@@ -28,6 +28,10 @@ void applyLook(QApplication& app) {
     p.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x33, 0x47));
     p.setColor(QPalette::ToolTipText, Qt::white);
     app.setPalette(p);
+    // The labels ask for Tahoma; narrow faces stand in for it where it is missing.
+    QFont::insertSubstitutions(QStringLiteral("Tahoma"),
+                               {QStringLiteral("DejaVu Sans Condensed"), QStringLiteral("Liberation Sans Narrow"),
+                                QStringLiteral("DejaVu Sans")});
     // The window's measures are laid out for a small dialog font.
     QFont f = app.font();
     f.setPointSize(8);

@@ -27,6 +27,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QFontMetrics>
 #include <QFrame>
 #include <QHeaderView>
 #include <QImageReader>
@@ -97,14 +98,19 @@ QPushButton* makeButton(QWidget* parent, const char* name, const QString& captio
 QLabel* makeLabel(QWidget* parent, const char* name, const QString& caption, int left, int top, int width,
                   int height, bool bold) {
     auto* l = named(new QLabel(caption, parent), name);
+    placeTw(l, left, top, width, height);
     if (bold) {
         QFont f(QStringLiteral("Tahoma"));
         f.setPointSize(8);
         f.setBold(true);
+        // A fixed caption that the fonts of this system draw wider than its
+        // place is set a size smaller, so that it is never cut.
+        while (!caption.isEmpty() && f.pointSize() > 6 &&
+               QFontMetrics(f).horizontalAdvance(caption) > l->width())
+            f.setPointSize(f.pointSize() - 1);
         l->setFont(f);
         l->setStyleSheet(QStringLiteral("color: #C0C0C0;"));
     }
-    placeTw(l, left, top, width, height);
     return l;
 }
 
