@@ -1,0 +1,122 @@
+#include "catalogue/database.h"
+#include "catalogue/searchcontroller.h"
+#include "core/appsettings.h"
+#include "core/capplicationpaths.h"
+#include "core/cinifile.h"
+#include "queue/performerprompt.h"
+#include "queue/queuecontroller.h"
+#include "queue/queuemodel.h"
+#include "screens/frmmain.h"
+#include "screens/mainparts.h"
+#include "playbackmedia.h"
+#include "scriptedprompts.h"
+#include "testrunner.h"
+#include "workspace.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QSqlQuery>
+#include <QStandardPaths>
+#include <QTableView>
+#include <QTest>
+
+namespace {
+
+// The singer dialog answered with one name and key.
+class AnsweringPerformer : public PerformerPrompt {
+public:
+    PerformerAnswer choosePerformer(const QString&, qint32) override {
+        ++asked;
+        return PerformerAnswer{QString::fromUtf8("Zo\xc3\xab"), -2, false};
+    }
+    PerformerAnswer changePerformer(const QString& name, qint32 key) override { return {name, key, true}; }
+    FileSongAnswer addFromFileSystem(const QString&) override { return {}; }
+    int asked = 0;
+};
+
+QString workingFolder() {
+    return cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder()) + QLatin1Char('/');
+}
+
+} // namespace
+
+// The host's way through the main window: type, find, double-click, give a
+// singer, see the row in the queue, and find it again after a restart.
+class TestMainFlow : public QObject {
+    Q_OBJECT
+
+    bool start(frmMain& w) {
+        w.setSplashMinimumMs(0);
+        if (!w.Form_Load({}))
+            return false;
+        return QTest::qWaitFor([&] { return w.isReady(); }, 8000);
+    }
+
+private slots:
+    void init() {
+        TestWorkspace::wipe();
+        Cfg = AppSettings();
+        QDir().mkpath(workingFolder());
+        QFile::copy(cApplicationPaths::installFolder() + "settings.ini", workingFolder() + "settings.ini");
+        QFile::setPermissions(workingFolder() + "settings.ini", QFile::ReadOwner | QFile::WriteOwner);
+        CIniFile ini;
+        ini.setFileName(workingFolder() + "settings.ini");
+        const QString docs = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+        ini.SaveStringValue("Settings", "WinAmpPath", playbackmedia::writePlayerWrapper(docs));
+        ini.SaveStringValue("Settings", "InteractiveSearch", "1");
+    }
+    void cleanup() { TestWorkspace::wipe(); }
+
+    void typeFindQueueAndComeBack() {
+        ScriptedPrompts boxes;
+        AnsweringPerformer singer;
+        {
+            frmMain w;
+            QVERIFY(start(w));
+            for (const char* sql :
+                 {"INSERT INTO tblKaraokeTracks (ArtistName, TrackName, DiscName, TrackNo, FileName, TrackPath) "
+                  "VALUES ('Abba', 'Waterloo', 'SC1', '01', 'SC1-01 - Abba - Waterloo.zip', '/k/a1.zip')",
+                  "INSERT INTO tblKaraokeTracks (ArtistName, TrackName, DiscName, TrackNo, FileName, TrackPath) "
+                  "VALUES ('Queen', 'Bohemian Rhapsody', 'SC1', '02', 'SC1-02 - Queen - Bohemian Rhapsody.zip', "
+                  "'/k/q1.zip')"})
+                ExecuteSql(QString::fromLatin1(sql));
+            w.parts().queue().setPerformerPrompt(&singer);
+
+            QApplication::setActiveWindow(&w);
+            w.txtSearch->setFocus();
+            QTest::keyClicks(w.txtSearch, "queen");
+            QCOMPARE(w.txtSearch->text(), QStringLiteral("queen"));
+            // Half a second after the last key the list shows the song.
+            QTRY_COMPARE_WITH_TIMEOUT(w.olvSearchResults->model()->rowCount(), 1, 3000);
+            QCOMPARE(w.olvSearchResults->model()->index(0, 1).data().toString(), QStringLiteral("Queen"));
+
+            const QRect cell = w.olvSearchResults->visualRect(w.olvSearchResults->model()->index(0, 2));
+            QTest::mouseClick(w.olvSearchResults->viewport(), Qt::LeftButton, {}, cell.center());
+            QTest::mouseDClick(w.olvSearchResults->viewport(), Qt::LeftButton, {}, cell.center());
+            QCOMPARE(singer.asked, 1);
+            QueueModel* queue = w.parts().queue().model();
+            QCOMPARE(queue->rowCount(), 1);
+            QCOMPARE(queue->cellText(0, QueueModel::ColPerformer), QString::fromUtf8("Zo\xc3\xab"));
+            QCOMPARE(queue->cellText(0, QueueModel::ColArtist), QStringLiteral("Queen"));
+            QCOMPARE(queue->cellText(0, QueueModel::ColTrack), QStringLiteral("Bohemian Rhapsody"));
+            QCOMPARE(queue->cellText(0, QueueModel::ColKey), QStringLiteral("-2"));
+            QSqlQuery saved = ExecuteSql("SELECT PerformerName, TrackPath, SongKey FROM tblQueue");
+            QVERIFY(saved.next());
+            QCOMPARE(saved.value(1).toString(), QStringLiteral("/k/q1.zip"));
+            QCOMPARE(saved.value(2).toInt(), -2);
+            saved.finish();
+            w.close();
+        }
+        QVERIFY(!IsDatabaseOpen());
+        frmMain again;
+        QVERIFY(start(again));
+        QueueModel* queue = again.parts().queue().model();
+        QCOMPARE(queue->rowCount(), 1);
+        QCOMPARE(queue->cellText(0, QueueModel::ColPerformer), QString::fromUtf8("Zo\xc3\xab"));
+        QCOMPARE(boxes.calls.size(), 0);
+        again.close();
+    }
+};
+
+KV_TEST_CLASS(TestMainFlow)
+#include "tst_mainflow.moc"
