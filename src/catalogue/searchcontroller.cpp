@@ -24,35 +24,6 @@ const QString kLoadAllSongs = QStringLiteral("KvApp.frmMain.LoadAllSongs");
 const QString kClearSearchList = QStringLiteral("KvApp.frmMain.ClearSearchList");
 const QString kClearClick = QStringLiteral("KvApp.frmMain.btnClearSearch_Click");
 const QString kKeyDown = QStringLiteral("KvApp.frmMain.oKeyboard_KeyDown");
-const QString kErrorBoxTitle = QStringLiteral("Korvane Error");
-
-// A failed search is written to the log without the error box: the host is
-// typing, and a box for each keystroke's search would stand in the way. For
-// the length of one log call this passes every prompt on except that box.
-class ErrorBoxMuted final : public Prompts {
-public:
-    ErrorBoxMuted() : m_next(prompts()) { setPrompts(this); }
-    ~ErrorBoxMuted() override { setPrompts(&m_next); }
-
-    int msgBox(const QString& text, int style, const QString& title) override {
-        return title == kErrorBoxTitle ? int(Ok) : m_next.msgBox(text, style, title);
-    }
-    std::optional<QString> inputBox(const QString& t, const QString& ti, const QString& d) override {
-        return m_next.inputBox(t, ti, d);
-    }
-    QString openFile(const QString& t, const QString& f, const QString& fi) override {
-        return m_next.openFile(t, f, fi);
-    }
-    QString saveFile(const QString& t, const QString& p, const QString& f) override {
-        return m_next.saveFile(t, p, f);
-    }
-    QString chooseFolder(const QString& t, const QString& f) override { return m_next.chooseFolder(t, f); }
-    std::optional<QColor> chooseColor(const QColor& c) override { return m_next.chooseColor(c); }
-    std::optional<QFont> chooseFont(const QFont& f) override { return m_next.chooseFont(f); }
-
-private:
-    Prompts& m_next;
-};
 
 bool isSearchKey(int keyCode) {
     return keyCode == 32 || (keyCode >= 48 && keyCode <= 57) || (keyCode >= 65 && keyCode <= 90);
@@ -93,9 +64,9 @@ void SearchController::loadList(const QString& sql, const QString& source, int l
     try {
         m_list->loadFromSql(dbConnection(), sql);
     } catch (...) {
-        const QString description = describeException(std::current_exception());
-        ErrorBoxMuted muted;
-        LogError(description, source, line);
+        // Logged without the box: the host is typing, and a box for each
+        // keystroke's search would stand in the way.
+        LogErrorQuietly(describeException(std::current_exception()), source, line);
     }
 }
 

@@ -55,14 +55,21 @@ void LogError(const QString& description, const QString& source, qint32 line) {
     showErrorBox();
 }
 
+void LogErrorQuietly(const QString& description, const QString& source, qint32 line) {
+    appendRecord({description, source, QString::number(line)});
+}
+
 void LogErrorEx(const QString& source, qint32 number, const QString& description, qint32 line) {
     appendRecord({description, QString::number(number), source, QString::number(line)});
     showErrorBox();
 }
 
-void ShowApplicationError(const QString& description, const QString& place, qint32 line) {
-    prompts().msgBox(description + QLatin1Char('\n') + place + QStringLiteral("at line ") + QString::number(line),
-                     Prompts::Critical, QStringLiteral("Application Error"));
+void ShowApplicationError(const QString& description, const QString& place, qint32 line, int style,
+                          const QString& detail) {
+    QString text = description + QLatin1Char('\n') + place + QStringLiteral("at line ") + QString::number(line);
+    if (!detail.isEmpty())
+        text += QLatin1Char('\n') + detail;
+    prompts().msgBox(text, style, QStringLiteral("Application Error"));
 }
 
 QString describeException(std::exception_ptr e) {

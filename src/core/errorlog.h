@@ -10,14 +10,18 @@
 void LogError(const QString& description, const QString& source, qint32 line);
 // The long form: description, number, source, line.
 void LogErrorEx(const QString& source, qint32 number, const QString& description, qint32 line);
+// The common form's record without the box, for failures the host is not to
+// be interrupted by (a search that fails while the host types).
+void LogErrorQuietly(const QString& description, const QString& source, qint32 line);
 
 // The path of the log and the text of the box that follows each record.
 QString errorLogPath();
 QString errorBoxText();
 
 // The older pattern, which writes no log: an "Application Error" box with the
-// description, the place and the line.
-void ShowApplicationError(const QString& description, const QString& place, qint32 line);
+// description, the place and the line, and under them `detail` when given.
+void ShowApplicationError(const QString& description, const QString& place, qint32 line, int style = 16,
+                          const QString& detail = {});
 
 // The description of whatever a guarded step threw.
 QString describeException(std::exception_ptr e);

@@ -144,7 +144,7 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
 
     DIR* dir = ::opendir(folderBytes.constData());
     if (!dir) {
-        ShowApplicationError(systemError(errno) + QStringLiteral(": ") + folder, kWalkPlace, kLineOpenFolder);
+        ShowApplicationError(systemError(errno), kWalkPlace, kLineOpenFolder, Prompts::Exclamation, folder);
         return;
     }
     // A folder reached a second time (through a link) is not walked again, so
@@ -161,8 +161,7 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
             if (errno != 0) {
                 const int err = errno;
                 ::closedir(dir);
-                ShowApplicationError(systemError(err) + QStringLiteral(": ") + folder, kWalkPlace,
-                                     kLineNextEntry);
+                ShowApplicationError(systemError(err), kWalkPlace, kLineNextEntry, Prompts::Exclamation, folder);
                 return;
             }
             break;
