@@ -7,6 +7,7 @@
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
 #include "core/globals.h"
+#include "core/consoleprompts.h"
 #include "core/prompts.h"
 #include "core/workingfolder.h"
 #include "import/importrun.h"
@@ -30,21 +31,6 @@ namespace {
 constexpr int kFolders = 500;
 constexpr int kFilesPerFolder = 200;
 int kRuns = 5;
-
-// Boxes are answered with their first button and written to standard error.
-class SilentPrompts final : public Prompts {
-public:
-    int msgBox(const QString& text, int, const QString& title) override {
-        QTextStream(stderr) << title << ": " << text << "\n";
-        return Ok;
-    }
-    std::optional<QString> inputBox(const QString&, const QString&, const QString&) override { return {}; }
-    QString openFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString chooseFolder(const QString&, const QString&) override { return {}; }
-    std::optional<QColor> chooseColor(const QColor&) override { return {}; }
-    std::optional<QFont> chooseFont(const QFont&) override { return {}; }
-};
 
 bool buildLibrary(const QString& root) {
     for (int d = 0; d < kFolders; ++d) {
@@ -98,7 +84,7 @@ int main(int argc, char** argv) {
     // "--runs N" for a quicker look.
     if (const qsizetype at = app.arguments().indexOf(QStringLiteral("--runs")); at > 0)
         kRuns = qMax(1, app.arguments().value(at + 1).toInt());
-    SilentPrompts silent;
+    ConsolePrompts silent;
     setPrompts(&silent);
 
     oApplicationPaths = std::make_unique<cApplicationPaths>();

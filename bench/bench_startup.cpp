@@ -9,6 +9,7 @@
 #include "core/workingfolder.h"
 #include "core/appsettings.h"
 #include "core/cinifile.h"
+#include "core/consoleprompts.h"
 #include "core/prompts.h"
 #include "screens/frmmain.h"
 #include "screens/mainparts.h"
@@ -17,21 +18,6 @@
 #include <QFileInfo>
 
 namespace {
-
-// Boxes answer themselves: a benchmark has nobody at the screen.
-class SilentPrompts final : public Prompts {
-public:
-    int msgBox(const QString& text, int, const QString& title) override {
-        std::printf("box: %s: %s\n", qPrintable(title), qPrintable(text));
-        return Ok;
-    }
-    std::optional<QString> inputBox(const QString&, const QString&, const QString&) override { return {}; }
-    QString openFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString chooseFolder(const QString&, const QString&) override { return {}; }
-    std::optional<QColor> chooseColor(const QColor&) override { return {}; }
-    std::optional<QFont> chooseFont(const QFont&) override { return {}; }
-};
 
 // The time from the start of the load to the main window being ready, less
 // the two fixed waits of a start: the splash's five seconds and the one
@@ -56,7 +42,7 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
 
     // Seed the working folder once, as a first start would.
-    static SilentPrompts silent;
+    static ConsolePrompts silent;
     setPrompts(&silent);
     oApplicationPaths = std::make_unique<cApplicationPaths>();
     CheckWorkingFolder();
