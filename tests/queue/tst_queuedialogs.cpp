@@ -83,21 +83,22 @@ private slots:
         QTest::addColumn<QString>("clientName");
         QTest::addColumn<int>("songKey");
         QTest::addColumn<QStringList>("namesAfter");
-        QTest::newRow("enter in name box") << "jo ann" << 2 << int(EnterInName) << false << "Jo Ann" << 2
-                                           << QStringList{"", "No Name", "Ann", "Jo Ann", ""};
-        QTest::newRow("enter on the cancel button is ok")
-            << "ZED" << 0 << int(EnterOnCancelButton) << false << "Zed" << 0
-            << QStringList{"", "No Name", "Ann", "Zed", ""};
-        QTest::newRow("key stops at 6")
-            << "ann" << 20 << int(ClickOk) << false << "Ann" << 6 << QStringList{"", "No Name", "Ann", "Bob"};
-        QTest::newRow("key stops at -6") << "ann" << -20 << int(ClickOk) << false << "Ann" << -6
-                                         << QStringList{"", "No Name", "Ann", "Bob"};
-        QTest::newRow("empty name") << "" << 0 << int(ClickOk) << false << "" << 0
-                                    << QStringList{"", "No Name", "Ann", "", ""};
-        QTest::newRow("escape keeps presets") << "someone" << 3 << int(Escape) << true << "preset" << 9
-                                              << QStringList{"", "No Name", "Ann", "Bob"};
-        QTest::newRow("cancel button keeps presets") << "someone" << 3 << int(ClickCancel) << true << "preset"
-                                                     << 9 << QStringList{"", "No Name", "Ann", "Bob"};
+        const QStringList start{"", "No Name", "Ann", "Bob"};
+        const auto row = [](const char* name, const char* typed, int upPresses, Finish finishBy,
+                            bool cancelled, const char* clientName, int songKey,
+                            const QStringList& namesAfter) {
+            QTest::newRow(name) << QString::fromUtf8(typed) << upPresses << int(finishBy) << cancelled
+                                << QString::fromUtf8(clientName) << songKey << namesAfter;
+        };
+        row("enter in name box", "jo ann", 2, EnterInName, false, "Jo Ann", 2,
+            {"", "No Name", "Ann", "Jo Ann", ""});
+        row("enter on the cancel button is ok", "ZED", 0, EnterOnCancelButton, false, "Zed", 0,
+            {"", "No Name", "Ann", "Zed", ""});
+        row("key stops at 6", "ann", 20, ClickOk, false, "Ann", 6, start);
+        row("key stops at -6", "ann", -20, ClickOk, false, "Ann", -6, start);
+        row("empty name", "", 0, ClickOk, false, "", 0, {"", "No Name", "Ann", "", ""});
+        row("escape keeps presets", "someone", 3, Escape, true, "preset", 9, start);
+        row("cancel button keeps presets", "someone", 3, ClickCancel, true, "preset", 9, start);
     }
     void chooseDialog() {
         QFETCH(QString, typed);
@@ -109,11 +110,6 @@ private slots:
         QFETCH(QStringList, namesAfter);
 
         frmPerformerChoose dlg;
-        QCOMPARE(dlg.windowTitle(), QStringLiteral("Choose Singer"));
-        QCOMPARE(dlg.lblSingerName->text(), QStringLiteral("Singer Name"));
-        QCOMPARE(dlg.OsenXPLabel1->text(), QStringLiteral("Song Key"));
-        QCOMPARE(dlg.cmdOk->text(), QStringLiteral("&Ok"));
-        QCOMPARE(dlg.cmdCancel->text(), QStringLiteral("&Cancel"));
         dlg.setClientName(QStringLiteral("preset"));
         dlg.setSongKey(9);
         dlg.Form_Load();
@@ -156,7 +152,6 @@ private slots:
         QFETCH(bool, cancelled);
         QFETCH(QString, clientName);
         frmPerformerChange dlg;
-        QCOMPARE(dlg.windowTitle(), QStringLiteral("Choose Singer"));
         dlg.setClientName(QStringLiteral("Old Name"));
         dlg.setSongKey(0);
         dlg.Form_Load();
@@ -177,10 +172,6 @@ private slots:
         TestWorkspace ws;
         ScriptedPrompts prompts;
         frmAddFromFileSystem dlg;
-        QCOMPARE(dlg.windowTitle(), QStringLiteral("Add song From File System"));
-        QCOMPARE(dlg.lblArtist->text(), QStringLiteral("Artist"));
-        QCOMPARE(dlg.lblTitle->text(), QStringLiteral("Title"));
-        QCOMPARE(dlg.lblSongKey->text(), QStringLiteral("Song Key"));
         QCOMPARE(dlg.spnKey->minimum(), -6);
         QCOMPARE(dlg.spnKey->maximum(), 6);
 
