@@ -30,14 +30,6 @@ bool loopOn(const QJsonValue& v) {
     return v.isString() ? v.toString() != "no" : v.toBool();
 }
 
-bool processGone(qint64 pid) {
-    if (::kill(pid_t(pid), 0) != 0)
-        return true;
-    // A zombie waiting for its parent counts as gone.
-    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-    return stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") Z ");
-}
-
 } // namespace
 
 // The link against a real player, started once for the class.
