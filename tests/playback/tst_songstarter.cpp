@@ -52,14 +52,7 @@ class TestSongStarter : public QObject {
     Q_OBJECT
     std::unique_ptr<TestWorkspace> m_ws;
     std::unique_ptr<ScriptedPrompts> m_prompts;
-    QStringList m_journal;
-    std::unique_ptr<FakePlayer> m_player;
-    std::unique_ptr<FakeQueue> m_queue;
-    std::unique_ptr<FakeView> m_view;
-    std::unique_ptr<FakeAnnouncer> m_announcer;
-    std::unique_ptr<FakeJingles> m_jingles;
-    std::unique_ptr<modPacemaker> m_pacemaker;
-    std::unique_ptr<SongStarter> m_starter;
+    std::unique_ptr<PlaybackRig> m_rig;
     std::unique_ptr<QTemporaryDir> m_songs;
     QByteArray m_cdg;
     QByteArray m_mp3;
@@ -75,24 +68,18 @@ private slots:
     void init() {
         m_ws = std::make_unique<TestWorkspace>(true);
         m_prompts = std::make_unique<ScriptedPrompts>();
-        m_journal.clear();
-        m_player = std::make_unique<FakePlayer>(m_journal);
-        m_queue = std::make_unique<FakeQueue>(m_journal);
-        m_view = std::make_unique<FakeView>(m_journal);
-        m_announcer = std::make_unique<FakeAnnouncer>(m_journal);
-        m_jingles = std::make_unique<FakeJingles>(m_journal);
-        m_pacemaker = std::make_unique<modPacemaker>(*m_player);
-        QVERIFY(m_pacemaker->FindPaceMaker());
-        m_starter = std::make_unique<SongStarter>(*m_player, *m_pacemaker, *m_queue, *m_view);
-        m_starter->setAnnouncements(m_announcer.get());
-        m_starter->setJingles(m_jingles.get());
+        m_rig = std::make_unique<PlaybackRig>();
+        QVERIFY(m_rig->pacemaker.FindPaceMaker());
+        m_rig->starter.setAnnouncements(&m_rig->announcer);
+        m_rig->starter.setJingles(&m_rig->jingles);
+        m_rig->journal.clear();
         m_songs = std::make_unique<QTemporaryDir>();
         Cfg = AppSettings();
         ArchivePassword.clear();
     }
 
     void cleanup() {
-        m_starter.reset();
+        m_rig.reset();
         m_prompts.reset();
         m_ws.reset();
     }
@@ -100,9 +87,9 @@ private slots:
     void playKaraokeRunsItsStepsInOrder() {
         const QString path = songPath("Singer's Song.mp3");
         QVERIFY(writeFile(path, m_mp3));
-        m_queue->rows = {song("Ann", path, -3, "O'Brien", "Tea, Two"), song("Bob", path)};
-        m_jingles->state = 1;
-        QVERIFY(m_starter->PlayKaraoke(0));
+        m_rig->queue.rows = {song("Ann", path, -3, "O'Brien", "Tea, Two"), song("Bob", path)};
+        m_rig->jingles.state = 1;
+        QVERIFY(m_rig->starter.PlayKaraoke(0));
         const QStringList expected = {
             "GetDetailsFromRow:0", "SendCommand:40047",
             "showCurrentSong:||",  "removeAudioFilter:kvpitch",
@@ -113,7 +100,7 @@ private slots:
             "UpdateNextPerformer", "jingleStop",
             "SendCommand:40045",
         };
-        QCOMPARE(m_journal, expected);
+        QCOMPARE(m_rig->journal, expected);
         QVERIFY(m_prompts->calls.isEmpty());
         QSqlQuery q =
             ExecuteSql("SELECT SingerName, Artist, Title, [Key], TrackPath FROM tblKaraokeTrackHistory");
@@ -123,7 +110,7 @@ private slots:
         QCOMPARE(q.value(2).toString(), QStringLiteral("Tea, Two"));
         QCOMPARE(q.value(3).toInt(), -3);
         QCOMPARE(q.value(4).toString(), path);
-        QCOMPARE(m_view->key, QStringLiteral("-3"));
+        QCOMPARE(m_rig->view.key, QStringLiteral("-3"));
     }
 
     void settingsShapeTheStart_data() {
@@ -166,24 +153,24 @@ private slots:
         const QString path = songPath("song.mp3");
         QVERIFY(writeFile(path, m_mp3));
         for (int i = 0; i < rows; ++i)
-            m_queue->rows.append(song(performer, path));
-        m_jingles->state = jingleState;
-        QVERIFY(m_starter->PlayKaraoke(0));
+            m_rig->queue.rows.append(song(performer, path));
+        m_rig->jingles.state = jingleState;
+        QVERIFY(m_rig->starter.PlayKaraoke(0));
         QTEST(historyRows(), "expectHistory");
-        QTEST(m_queue->rowCount(), "expectRowsLeft");
+        QTEST(m_rig->queue.rowCount(), "expectRowsLeft");
         QFETCH(QString, expectAnnouncement);
-        QCOMPARE(m_journal.contains("UpdateNextPerformer"), expectAnnouncement == "UpdateNextPerformer");
-        QCOMPARE(m_journal.contains("ClearNextPerformer"), expectAnnouncement == "ClearNextPerformer");
-        QTEST(m_journal.contains("jingleStop"), "expectJingleStop");
-        QCOMPARE(m_queue->saves, 1);
-        QCOMPARE(m_journal.last(), QStringLiteral("SendCommand:40045"));
+        QCOMPARE(m_rig->journal.contains("UpdateNextPerformer"), expectAnnouncement == "UpdateNextPerformer");
+        QCOMPARE(m_rig->journal.contains("ClearNextPerformer"), expectAnnouncement == "ClearNextPerformer");
+        QTEST(m_rig->journal.contains("jingleStop"), "expectJingleStop");
+        QCOMPARE(m_rig->queue.saves, 1);
+        QCOMPARE(m_rig->journal.last(), QStringLiteral("SendCommand:40045"));
     }
 
     void missingSongIsReportedAfterTheStopAndChangesNothing() {
         const QString path = songPath("gone, really: \"gone\".zip");
-        m_queue->rows = {song("Ann", path)};
+        m_rig->queue.rows = {song("Ann", path)};
         QVERIFY(writeFile(SongStarter::unpackFolder() + "leftover.mp3", "x"));
-        QVERIFY(!m_starter->PlayKaraoke(0));
+        QVERIFY(!m_rig->starter.PlayKaraoke(0));
         QCOMPARE(m_prompts->boxTitles(), QStringList{"Song Not Found"});
         QCOMPARE(m_prompts->calls[0].style, 48);
         QCOMPARE(
@@ -191,20 +178,20 @@ private slots:
             "The file " + path +
                 " could not be found\nPlease make sure that if you have renamed any files or moved them that "
                 "you have reimported");
-        QCOMPARE(m_journal.mid(0, 2), (QStringList{"GetDetailsFromRow:0", "SendCommand:40047"}));
-        QVERIFY(!m_journal.join('\n').contains("PlayFile"));
-        QVERIFY(!m_journal.contains("saveQueue"));
-        QCOMPARE(m_queue->rowCount(), 1);
+        QCOMPARE(m_rig->journal.mid(0, 2), (QStringList{"GetDetailsFromRow:0", "SendCommand:40047"}));
+        QVERIFY(!m_rig->journal.join('\n').contains("PlayFile"));
+        QVERIFY(!m_rig->journal.contains("saveQueue"));
+        QCOMPARE(m_rig->queue.rowCount(), 1);
         QCOMPARE(historyRows(), 0);
         QVERIFY(tempFiles().isEmpty()); // emptied before the file was looked for
     }
 
     void emptyQueueOrBadRowDoesNothing() {
-        QVERIFY(!m_starter->PlayKaraoke(0));
-        m_queue->rows = {song("Ann", songPath("x.mp3"))};
-        QVERIFY(!m_starter->PlayKaraoke(-1));
-        QVERIFY(!m_starter->PlayKaraoke(1));
-        QVERIFY(m_journal.isEmpty());
+        QVERIFY(!m_rig->starter.PlayKaraoke(0));
+        m_rig->queue.rows = {song("Ann", songPath("x.mp3"))};
+        QVERIFY(!m_rig->starter.PlayKaraoke(-1));
+        QVERIFY(!m_rig->starter.PlayKaraoke(1));
+        QVERIFY(m_rig->journal.isEmpty());
         QVERIFY(m_prompts->calls.isEmpty());
     }
 
@@ -260,22 +247,22 @@ private slots:
         oSettings->SaveStringValue("Settings", "mus", CEncryptEx::encipher(password));
         BuildArchivePassword();
         QCOMPARE(ArchivePassword, password);
-        m_queue->rows = {song("Ann", path)};
-        const bool started = m_starter->PlayKaraoke(0);
+        m_rig->queue.rows = {song("Ann", path)};
+        const bool started = m_rig->starter.PlayKaraoke(0);
         QCOMPARE(m_prompts->boxTitles(), boxes);
         QCOMPARE(started, !playedExt.isEmpty());
         const QString stem = QFileInfo(path).completeBaseName();
         if (started) {
             const QString played = QDir(SongStarter::unpackFolder()).canonicalPath() + "/" + stem + playedExt;
-            QVERIFY(m_journal.contains("PlayFile:" + played));
+            QVERIFY(m_rig->journal.contains("PlayFile:" + played));
             QVERIFY(tempFiles().contains(stem + ".cdg"));
             QVERIFY(tempFiles().contains(stem + playedExt));
-            QCOMPARE(m_queue->rowCount(), 0);
+            QCOMPARE(m_rig->queue.rowCount(), 0);
         } else {
             QVERIFY(tempFiles().isEmpty());
-            QCOMPARE(m_queue->rowCount(), 1);
+            QCOMPARE(m_rig->queue.rowCount(), 1);
             QCOMPARE(historyRows(), 0);
-            QVERIFY(!m_journal.join('\n').contains("PlayFile"));
+            QVERIFY(!m_rig->journal.join('\n').contains("PlayFile"));
         }
         if (boxes == QStringList{""}) {
             // The unzip error: no title, plain style, the path and the number.
@@ -311,13 +298,13 @@ private slots:
         QFETCH(int, code);
         const QString path = songPath("Bad Song.zip");
         QVERIFY(writeFile(path, bytes));
-        m_queue->rows = {song("Ann", path)};
-        QVERIFY(!m_starter->PlayKaraoke(0));
+        m_rig->queue.rows = {song("Ann", path)};
+        QVERIFY(!m_rig->starter.PlayKaraoke(0));
         QCOMPARE(m_prompts->boxTitles(), QStringList{""});
         QVERIFY2(m_prompts->calls[0].text.endsWith("\n" + QString::number(code)),
                  qPrintable(m_prompts->calls[0].text));
         QVERIFY(tempFiles().isEmpty());
-        QCOMPARE(m_queue->rowCount(), 1);
+        QCOMPARE(m_rig->queue.rowCount(), 1);
     }
 
     void unpackerStopsWhenAnEntryGivesMoreThanItDeclared() {

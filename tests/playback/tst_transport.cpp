@@ -24,12 +24,7 @@ class TestTransport : public QObject {
     Q_OBJECT
     std::unique_ptr<TestWorkspace> m_ws;
     std::unique_ptr<ScriptedPrompts> m_prompts;
-    QStringList m_journal;
-    std::unique_ptr<FakePlayer> m_player;
-    std::unique_ptr<FakeQueue> m_queue;
-    std::unique_ptr<FakeView> m_view;
-    std::unique_ptr<modPacemaker> m_pacemaker;
-    std::unique_ptr<SongStarter> m_starter;
+    std::unique_ptr<PlaybackRig> m_rig;
     std::unique_ptr<Transport> m_transport;
     QTemporaryDir m_songs;
 
@@ -40,27 +35,23 @@ class TestTransport : public QObject {
     }
     void fillQueue(int n) {
         for (int i = 0; i < n; ++i)
-            m_queue->rows.append(
+            m_rig->queue.rows.append(
                 song(QStringLiteral("Singer %1").arg(i), songFile(QStringLiteral("s%1.mp3").arg(i))));
     }
-    int plays() const { return int(m_journal.count("SendCommand:40045")); }
+    int plays() const { return int(m_rig->journal.count("SendCommand:40045")); }
 
 private slots:
     void init() {
         m_ws = std::make_unique<TestWorkspace>(true);
         m_prompts = std::make_unique<ScriptedPrompts>();
-        m_journal.clear();
         Cfg = AppSettings();
-        m_player = std::make_unique<FakePlayer>(m_journal);
-        m_queue = std::make_unique<FakeQueue>(m_journal);
-        m_view = std::make_unique<FakeView>(m_journal);
-        m_pacemaker = std::make_unique<modPacemaker>(*m_player);
-        m_pacemaker->FindPaceMaker();
-        m_starter = std::make_unique<SongStarter>(*m_player, *m_pacemaker, *m_queue, *m_view);
-        m_transport = std::make_unique<Transport>(*m_player, *m_starter, *m_queue, *m_view);
+        m_rig = std::make_unique<PlaybackRig>();
+        m_rig->journal.clear();
+        m_transport = std::make_unique<Transport>(m_rig->player, m_rig->starter, m_rig->queue, m_rig->view);
     }
     void cleanup() {
         m_transport.reset();
+        m_rig.reset();
         m_prompts.reset();
         m_ws.reset();
     }
@@ -101,12 +92,12 @@ private slots:
         QFETCH(int, raw);
         QFETCH(int, position);
         QFETCH(int, length);
-        m_player->raw = raw;
-        m_player->position = position;
-        m_player->length = length;
+        m_rig->player.raw = raw;
+        m_rig->player.position = position;
+        m_rig->player.length = length;
         m_transport->tmrUpdateClock_Timer();
-        QTEST(m_view->total, "total");
-        QTEST(m_view->remaining, "remaining");
+        QTEST(m_rig->view.total, "total");
+        QTEST(m_rig->view.remaining, "remaining");
     }
 
     void playButtonTakesTheFirstOrTheSelectedRow_data() {
@@ -121,16 +112,16 @@ private slots:
         QFETCH(int, selected);
         Cfg.PlayFromPosition1 = fromFirst;
         fillQueue(3);
-        m_queue->selected = selected;
+        m_rig->queue.selected = selected;
         m_transport->btnPlayTrack_Click();
-        QTEST(m_view->performer, "played");
+        QTEST(m_rig->view.performer, "played");
         QCOMPARE(m_transport->state(), State::Idle); // auto-play is off
     }
 
     void playAndRestartOnAnEmptyQueueDoNothing() {
         m_transport->btnPlayTrack_Click();
         m_transport->btnRestart_Click();
-        QVERIFY(m_journal.isEmpty());
+        QVERIFY(m_rig->journal.isEmpty());
     }
 
     void doubleClickPlaysOnlyWhenAllowed_data() {
@@ -143,8 +134,8 @@ private slots:
         Cfg.AllowDoubleClicks = allowed;
         fillQueue(3);
         m_transport->queueRow_DblClick(1);
-        QCOMPARE(m_view->performer, allowed ? QStringLiteral("Singer 1") : QString());
-        QCOMPARE(m_queue->rowCount(), allowed ? 2 : 3);
+        QCOMPARE(m_rig->view.performer, allowed ? QStringLiteral("Singer 1") : QString());
+        QCOMPARE(m_rig->queue.rowCount(), allowed ? 2 : 3);
     }
 
     void pauseButton_data() {
@@ -156,9 +147,9 @@ private slots:
     }
     void pauseButton() {
         QFETCH(int, raw);
-        m_player->raw = raw;
+        m_rig->player.raw = raw;
         m_transport->btnPause_Click();
-        QTEST(m_journal.join(';'), "sent");
+        QTEST(m_rig->journal.join(';'), "sent");
     }
 
     void autoPlayWalksTheQueueWithoutDelay() {
@@ -167,26 +158,26 @@ private slots:
         QCOMPARE(m_transport->state(), State::Idle); // nothing plays yet
         m_transport->btnPlayTrack_Click();
         QCOMPARE(m_transport->state(), State::Watching);
-        QCOMPARE(m_view->performer, QStringLiteral("Singer 0"));
+        QCOMPARE(m_rig->view.performer, QStringLiteral("Singer 0"));
         m_transport->tmrAutoplay_Timer(); // still playing
         QCOMPARE(plays(), 1);
-        m_player->raw = PlayerLink::RawPaused;
+        m_rig->player.raw = PlayerLink::RawPaused;
         m_transport->tmrAutoplay_Timer(); // paused is not the end
         QCOMPARE(plays(), 1);
-        m_player->raw = PlayerLink::RawStopped; // the song ends
+        m_rig->player.raw = PlayerLink::RawStopped; // the song ends
         m_transport->tmrAutoplay_Timer();
         QCOMPARE(plays(), 2);
-        QCOMPARE(m_view->performer, QStringLiteral("Singer 1"));
+        QCOMPARE(m_rig->view.performer, QStringLiteral("Singer 1"));
         QCOMPARE(m_transport->state(), State::Watching);
-        m_player->raw = PlayerLink::RawStopped;
+        m_rig->player.raw = PlayerLink::RawStopped;
         m_transport->tmrAutoplay_Timer();
-        QCOMPARE(m_view->performer, QStringLiteral("Singer 2"));
-        QCOMPARE(m_queue->rowCount(), 0);
+        QCOMPARE(m_rig->view.performer, QStringLiteral("Singer 2"));
+        QCOMPARE(m_rig->queue.rowCount(), 0);
         // The queue is empty: the next tick goes Idle and sends nothing.
-        const int before = int(m_journal.size());
+        const int before = int(m_rig->journal.size());
         m_transport->tmrAutoplay_Timer();
         QCOMPARE(m_transport->state(), State::Idle);
-        QCOMPARE(m_journal.size(), before);
+        QCOMPARE(m_rig->journal.size(), before);
     }
 
     void autoPlayWaitsWithDelay() {
@@ -197,13 +188,13 @@ private slots:
         m_transport->chkAutoPlay_Click(true);
         m_transport->chkDelay_Click(true);
         m_transport->btnPlayTrack_Click();
-        m_player->raw = PlayerLink::RawStopped;
+        m_rig->player.raw = PlayerLink::RawStopped;
         m_transport->tmrAutoplay_Timer();
         QCOMPARE(m_transport->state(), State::Waiting);
         QCOMPARE(plays(), 1);
         m_transport->tmrDelay_Timer();
         QCOMPARE(plays(), 2);
-        QCOMPARE(m_view->performer, QStringLiteral("Singer 1"));
+        QCOMPARE(m_rig->view.performer, QStringLiteral("Singer 1"));
         QCOMPARE(m_transport->state(), State::Watching);
     }
 
@@ -212,13 +203,13 @@ private slots:
         m_transport->chkAutoPlay_Click(true);
         m_transport->chkDelay_Click(true);
         m_transport->btnPlayTrack_Click();
-        m_player->raw = PlayerLink::RawStopped;
+        m_rig->player.raw = PlayerLink::RawStopped;
         m_transport->tmrAutoplay_Timer();
         QCOMPARE(m_transport->state(), State::Waiting);
         m_transport->btnStop_Click();
         QCOMPARE(m_transport->state(), State::Waiting);
         m_transport->tmrDelay_Timer();
-        QCOMPARE(m_view->performer, QStringLiteral("Singer 1"));
+        QCOMPARE(m_rig->view.performer, QStringLiteral("Singer 1"));
     }
 
     void stopDuringWatchingGoesIdle() {
@@ -227,8 +218,8 @@ private slots:
         m_transport->btnPlayTrack_Click();
         m_transport->btnStop_Click();
         QCOMPARE(m_transport->state(), State::Idle);
-        QCOMPARE(m_view->performer, QString());
-        QCOMPARE(m_view->key, QStringLiteral("0"));
+        QCOMPARE(m_rig->view.performer, QString());
+        QCOMPARE(m_rig->view.key, QStringLiteral("0"));
     }
 
     void autoPlaySwitch_data() {
@@ -241,7 +232,7 @@ private slots:
     void autoPlaySwitch() {
         QFETCH(int, raw);
         QFETCH(bool, watching);
-        m_player->raw = raw;
+        m_rig->player.raw = raw;
         m_transport->chkAutoPlay_Click(true);
         QCOMPARE(m_transport->state() == State::Watching, watching);
         m_transport->chkAutoPlay_Click(false);
@@ -250,15 +241,15 @@ private slots:
 
     void missingFileHaltsTheWalkAtItsRow() {
         fillQueue(1);
-        m_queue->rows.prepend(song("Gone", m_songs.filePath("gone.mp3")));
+        m_rig->queue.rows.prepend(song("Gone", m_songs.filePath("gone.mp3")));
         m_transport->chkAutoPlay_Click(true);
-        m_player->raw = PlayerLink::RawPlaying;
+        m_rig->player.raw = PlayerLink::RawPlaying;
         m_transport->chkAutoPlay_Click(true);
-        m_player->raw = PlayerLink::RawStopped;
+        m_rig->player.raw = PlayerLink::RawStopped;
         m_transport->tmrAutoplay_Timer();
         m_transport->tmrAutoplay_Timer();
         QCOMPARE(m_prompts->countTitle("Song Not Found"), 2);
-        QCOMPARE(m_queue->rowCount(), 2);
+        QCOMPARE(m_rig->queue.rowCount(), 2);
         QCOMPARE(m_transport->state(), State::Watching);
         QCOMPARE(plays(), 0);
     }
@@ -276,22 +267,22 @@ private slots:
         fillQueue(2);
         m_transport->chkAutoPlay_Click(true);
         m_transport->btnPlayTrack_Click();
-        m_view->performer.clear();
-        m_journal.clear();
+        m_rig->view.performer.clear();
+        m_rig->journal.clear();
         m_transport->btnRestart_Click();
-        QCOMPARE(m_view->performer, QStringLiteral("Singer 0")); // the labels shown again
-        QCOMPARE(m_journal.filter("SendCommand"), sent);
+        QCOMPARE(m_rig->view.performer, QStringLiteral("Singer 0")); // the labels shown again
+        QCOMPARE(m_rig->journal.filter("SendCommand"), sent);
         QCOMPARE(m_transport->tmrRestart.isActive(), !noFade);
         if (noFade)
             return;
         m_transport->tmrRestart_Timer(); // still fading
-        QCOMPARE(m_journal.filter("SendCommand").size(), 1);
-        m_player->raw = PlayerLink::RawStopped;
+        QCOMPARE(m_rig->journal.filter("SendCommand").size(), 1);
+        m_rig->player.raw = PlayerLink::RawStopped;
         m_transport->tmrRestart_Timer();
-        QCOMPARE(m_journal.filter("SendCommand").last(), QStringLiteral("SendCommand:40045"));
+        QCOMPARE(m_rig->journal.filter("SendCommand").last(), QStringLiteral("SendCommand:40045"));
         QVERIFY(!m_transport->tmrRestart.isActive());
         QCOMPARE(m_transport->state(), State::Watching);
-        QCOMPARE(m_queue->rowCount(), 1); // the fade's end did not start the next song
+        QCOMPARE(m_rig->queue.rowCount(), 1); // the fade's end did not start the next song
     }
 };
 

@@ -4,8 +4,10 @@
 // All of them write into one journal, so that a test can read the order of
 // everything a procedure did.
 
+#include "playback/modpacemaker.h"
 #include "playback/playbackseams.h"
 #include "playback/playerlink.h"
+#include "playback/songstarter.h"
 
 #include <QList>
 #include <QMap>
@@ -160,5 +162,19 @@ inline SelectedSong song(const QString& performer, const QString& path, int key 
     s.Key = key;
     return s;
 }
+
+// The song start wired to the fakes, with the key changer found: what the
+// tests of PlayKaraoke and of the transport stand on.
+struct PlaybackRig {
+    QStringList journal;
+    FakePlayer player{journal};
+    FakeQueue queue{journal};
+    FakeView view{journal};
+    FakeAnnouncer announcer{journal};
+    FakeJingles jingles{journal};
+    modPacemaker pacemaker{player};
+    SongStarter starter{player, pacemaker, queue, view};
+    PlaybackRig() { pacemaker.FindPaceMaker(); }
+};
 
 } // namespace fakeplayback
