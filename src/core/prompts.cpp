@@ -102,6 +102,17 @@ Prompts* g_installed = nullptr;
 
 } // namespace
 
+int Prompts::firstButton(int style) {
+    switch (style & 0x0F) {
+    case OkCancel: return Ok;
+    case AbortRetryIgnore: return Abort;
+    case YesNoCancel:
+    case YesNo: return Yes;
+    case RetryCancel: return Retry;
+    default: return Ok;
+    }
+}
+
 Prompts& prompts() { return g_installed ? *g_installed : widgetPrompts(); }
 
 void setPrompts(Prompts* p) { g_installed = p; }

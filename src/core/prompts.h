@@ -31,6 +31,10 @@ public:
 
     virtual ~Prompts() = default;
 
+    // The answer of a box of `style` that is taken without asking: its first
+    // button (Yes for a question).
+    static int firstButton(int style);
+
     virtual int msgBox(const QString& text, int style, const QString& title) = 0;
     // Returns nothing when the host cancels.
     virtual std::optional<QString> inputBox(const QString& text, const QString& title,

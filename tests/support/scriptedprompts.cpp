@@ -20,13 +20,7 @@ int ScriptedPrompts::msgBox(const QString& text, int style, const QString& title
     const QVariant a = next();
     if (a.isValid())
         return a.toInt();
-    switch (style & 0x0F) {
-    case YesNo:
-    case YesNoCancel: return Yes;
-    case AbortRetryIgnore: return Abort;
-    case RetryCancel: return Retry;
-    default: return Ok;
-    }
+    return firstButton(style);
 }
 
 std::optional<QString> ScriptedPrompts::inputBox(const QString& text, const QString& title, const QString&) {
