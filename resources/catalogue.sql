@@ -10,8 +10,12 @@
 
 PRAGMA page_size = 4096;
 
+-- A song's key is its row id: a new song gets one above the highest in use.
+-- A separate high-water mark, so that the id of a deleted last song is never
+-- given out again, would cost an extra write per inserted row, and nothing
+-- keeps song ids beyond the list on the screen.
 CREATE TABLE tblKaraokeTracks (
-    KaraokeTrackID INTEGER PRIMARY KEY AUTOINCREMENT,
+    KaraokeTrackID INTEGER PRIMARY KEY,
     ArtistName     TEXT(255) COLLATE NOCASE,
     TrackName      TEXT(255) COLLATE NOCASE,
     DiscName       TEXT(255) COLLATE NOCASE,

@@ -109,6 +109,19 @@ QString checkCatalogue(QSqlDatabase& db) {
     return QStringLiteral("it is not a song catalogue of this program");
 }
 
+// Settings of the SQLite library itself, which hold only when made before
+// its first use in the process (later calls are refused and change nothing).
+// The library's count of its own memory use takes a lock on every allocation,
+// and parsing a statement allocates dozens of times: nothing here reads the
+// count, and an import of a large library parses a statement per song.
+void configureSqliteLibrary() {
+    static const bool done = [] {
+        sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+        return true;
+    }();
+    (void)done;
+}
+
 } // namespace
 
 namespace {
@@ -152,6 +165,7 @@ bool OpenDatabase() {
     }
 
     CloseDatabase();
+    configureSqliteLibrary();
     ++g_generation;
     QString failure;
     {

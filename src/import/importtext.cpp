@@ -32,9 +32,13 @@ QString CleanNamePart(QStringView piece) {
     static constexpr std::array<QLatin1String, 5> kExtensions = {QLatin1String(".zip"), QLatin1String(".cdg"),
                                                                  QLatin1String(".mp3"), QLatin1String(".mpg"),
                                                                  QLatin1String(".dat")};
-    for (QLatin1String ext : kExtensions) {
-        if (s.contains(ext, Qt::CaseInsensitive))
-            s.remove(ext, Qt::CaseInsensitive);
+    // Most pieces hold no dot at all: one plain scan spares them the five
+    // case-blind searches.
+    if (s.contains(QLatin1Char('.'))) {
+        for (QLatin1String ext : kExtensions) {
+            if (s.contains(ext, Qt::CaseInsensitive))
+                s.remove(ext, Qt::CaseInsensitive);
+        }
     }
     const QStringView trimmed = trimBlanks(s);
     if (trimmed.size() != s.size())
