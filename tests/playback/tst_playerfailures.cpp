@@ -208,7 +208,7 @@ private slots:
         QVERIFY(!processGone(player));
         ::kill(pid_t(helper.processId()), SIGKILL);
         QVERIFY(helper.waitForFinished(5000));
-        QTRY_VERIFY_WITH_TIMEOUT(processGone(player), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(processGone(player), 10000);
     }
 
     void startupAndShutdown() {
@@ -239,7 +239,7 @@ private slots:
         const qint64 pid = link.playerProcessId();
         QVERIFY(!processGone(pid));
         ClosePlayerAtShutdown(link);
-        QTRY_VERIFY_WITH_TIMEOUT(processGone(pid), 3000);
+        QTRY_VERIFY_WITH_TIMEOUT(processGone(pid), 10000);
         // With the player gone, a second shutdown finds nothing and says nothing.
         ClosePlayerAtShutdown(link);
         QVERIFY(m_prompts->calls.isEmpty());
