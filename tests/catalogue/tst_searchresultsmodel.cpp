@@ -90,7 +90,6 @@ private slots:
         const auto ids = ws.addSongs({QStringLiteral("Zoë - Über"), QStringLiteral("ABBA - Waterloo")});
         SearchResultsModel model;
         model.load(dbConnection(), SongSearch::loadAllSql());
-        QCOMPARE(model.columnCount(), 5);
         QCOMPARE(model.rowCount(), 2);
         QCOMPARE(model.trackId(0), ids[1]);
         QCOMPARE(model.data(model.index(0, 0)).toLongLong(), ids[1]);
@@ -115,15 +114,8 @@ private slots:
         QCOMPARE(model.rowCount(), 2);
         QCOMPARE(model.trackId(0), ids[1]);
         QCOMPARE(model.trackId(1), ids[2]);
-        for (int bad : {-1, 2}) {
-            bool raised = false;
-            try {
-                model.trackId(bad);
-            } catch (const KvError&) {
-                raised = true;
-            }
-            QVERIFY2(raised, qPrintable(QString::number(bad)));
-        }
+        QVERIFY_THROWS_EXCEPTION(KvError, model.trackId(-1));
+        QVERIFY_THROWS_EXCEPTION(KvError, model.trackId(2));
     }
 
     void failingStatementLeavesItEmpty() {
