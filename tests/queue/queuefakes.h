@@ -13,15 +13,8 @@
 class FakeHook : public KeyboardHookControl {
 public:
     QStringList calls;
-    bool released = false;
-    void releaseKeyboardHook() override {
-        calls << QStringLiteral("release");
-        released = true;
-    }
-    void createKeyboardHook() override {
-        calls << QStringLiteral("create");
-        released = false;
-    }
+    void releaseKeyboardHook() override { calls << QStringLiteral("release"); }
+    void createKeyboardHook() override { calls << QStringLiteral("create"); }
 };
 
 // Singer dialogs answered from a script; a dry script cancels. Records each

@@ -73,9 +73,6 @@ private slots:
         QFETCH(bool, cancel);
         QFETCH(bool, zeroId);
         QFETCH(QString, expectedRow);
-        QFETCH(int, saves);
-        QFETCH(QStringList, hook);
-        QFETCH(QStringList, dialogs);
         Cfg.PromptForPerfomer = promptOn;
         Cfg.DefaultName = QStringLiteral("Host Default");
         const qint64 id = m_ws->addSongs({"Abba - Waterloo"}).first();
@@ -87,9 +84,9 @@ private slots:
         QCOMPARE(m_model->rowCount(), expectedRow.isEmpty() ? 0 : 1);
         if (!expectedRow.isEmpty())
             QCOMPARE(row(0), expectedRow);
-        QCOMPARE(m_saves, saves);
-        QCOMPARE(m_hook.calls, hook);
-        QCOMPARE(m_dialogs.shown, dialogs);
+        QTEST(m_saves, "saves");
+        QTEST(m_hook.calls, "hook");
+        QTEST(m_dialogs.shown, "dialogs");
         QCOMPARE(TestWorkspace::errorLogRecords(), 0);
     }
 
@@ -127,7 +124,6 @@ private slots:
         QFETCH(int, marked);
         QFETCH(bool, cancel);
         QFETCH(int, rows);
-        QFETCH(int, boxes);
         const QList<qint64> ids = m_ws->addSongs({"A - 1", "B - 2", "C - 3", "D - 4"});
         for (int i = 0; i < marked; ++i)
             ExecuteSql(QStringLiteral("UPDATE tblKaraokeTracks SET Kamikaze = 1 WHERE KaraokeTrackID = %1")
@@ -139,7 +135,7 @@ private slots:
         m_adder->LoadKamikazeTrack();
         QCOMPARE(m_model->rowCount(), rows);
         QCOMPARE(m_saves, rows);
-        QCOMPARE(m_prompts->countTitle(QStringLiteral("No Songs Available")), boxes);
+        QTEST(m_prompts->countTitle(QStringLiteral("No Songs Available")), "boxes");
         if (rows) {
             // The pick is one of the marked songs, at the end of the queue.
             const QStringList markedPaths =
@@ -153,15 +149,13 @@ private slots:
     void fileButton_data() {
         QTest::addColumn<bool>("chosen");
         QTest::addColumn<bool>("dialogCancelled");
-        QTest::addColumn<int>("rows");
-        QTest::newRow("file chosen") << true << false << 1;
-        QTest::newRow("details cancelled") << true << true << 0;
-        QTest::newRow("no file chosen") << false << false << 0;
+        QTest::newRow("file chosen") << true << false;
+        QTest::newRow("details cancelled") << true << true;
+        QTest::newRow("no file chosen") << false << false;
     }
     void fileButton() {
         QFETCH(bool, chosen);
         QFETCH(bool, dialogCancelled);
-        QFETCH(int, rows);
         const QString folder = m_ws->dataFolder() + QStringLiteral("music/");
         QDir().mkpath(folder);
         const QString path = folder + QStringLiteral("my song.mp3");
@@ -177,8 +171,8 @@ private slots:
         // A remembered folder that does not exist here gives way to the home folder.
         QCOMPARE(m_prompts->calls.first().text, settingsfile::defaultFolder());
         QCOMPARE(m_dialogs.shown, chosen ? QStringList{"file:" + path} : QStringList{});
-        QCOMPARE(m_model->rowCount(), rows);
-        if (rows)
+        QCOMPARE(m_model->rowCount(), chosen && !dialogCancelled ? 1 : 0);
+        if (m_model->rowCount())
             QCOMPARE(row(0), QStringLiteral("|lower name|Art|Title|-3@") + path);
         QCOMPARE(m_saves, 0);
         QCOMPARE(m_hook.calls, QStringList({"release", "create"}));
@@ -210,8 +204,6 @@ private slots:
         QFETCH(QString, key);
         QFETCH(bool, cancel);
         QFETCH(QString, shown);
-        QFETCH(QString, newPerformer);
-        QFETCH(QString, newKey);
         addRows(*m_model, {"First"});
         m_model->addItem({QString(), performer, QStringLiteral("Art"), QStringLiteral("Trk"), key},
                          QStringLiteral("/p"));
@@ -221,8 +213,8 @@ private slots:
             m_dialogs.ok(QStringLiteral("Zed"), -1);
         m_adder->ChangeSingerOnQueueRow(1);
         QCOMPARE(m_dialogs.shown, QStringList{shown});
-        QCOMPARE(m_model->cellText(1, QueueModel::ColPerformer), newPerformer);
-        QCOMPARE(m_model->cellText(1, QueueModel::ColKey), newKey);
+        QTEST(m_model->cellText(1, QueueModel::ColPerformer), "newPerformer");
+        QTEST(m_model->cellText(1, QueueModel::ColKey), "newKey");
         QCOMPARE(m_model->cellText(0, QueueModel::ColPerformer), QStringLiteral("First"));
         QCOMPARE(m_saves, 1);
         QVERIFY(m_hook.calls.isEmpty());
@@ -230,8 +222,8 @@ private slots:
 
     void changeSingerWithoutRowDoesNothing() {
         addRows(*m_model, {"First"});
-        m_adder->ChangeSingerOnQueueRow(-1);
-        m_adder->ChangeSingerOnQueueRow(1);
+        for (int row : {-1, 1})
+            m_adder->ChangeSingerOnQueueRow(row);
         QVERIFY(m_dialogs.shown.isEmpty());
         QCOMPARE(m_saves, 0);
     }
