@@ -16,7 +16,12 @@
 
 namespace {
 QString working() { return cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder()) + '/'; }
+void write(const QString& path, const QByteArray& data = {}, QIODevice::OpenMode mode = QIODevice::WriteOnly) {
+    QFile f(path);
+    QVERIFY(f.open(mode));
+    f.write(data);
 }
+} // namespace
 
 class TestPaths : public QObject {
     Q_OBJECT
@@ -25,39 +30,23 @@ private slots:
     void init() { TestWorkspace::wipe(); }
     void cleanup() { TestWorkspace::wipe(); }
 
+    // Where the host's files live: moving any of them would lose them.
     void propertiesHangTogether() {
         cApplicationPaths p;
         const QString data = qEnvironmentVariable("XDG_DATA_HOME") + "/Tessaly Works Limited/Korvane";
-        QCOMPARE(p.ApplicationRootPath(), qEnvironmentVariable("XDG_DATA_HOME") + '/');
         QCOMPARE(p.ApplicationDataPath(), data);
         QCOMPARE(p.ApplicationDatabaseFile(), data + "/kvsonglist.mdb");
         QCOMPARE(p.CompactedDatabase(), data + "/kvSongListTemp.mdb");
         QCOMPARE(p.ApplicationSongTempPath(), data + "/Temp/");
-        QCOMPARE(p.ApplicationSongPlayPath(), data + "Play"); // a sibling, joined without a separator
-        QVERIFY(p.ApplicationDocuments().endsWith('/'));
-        QVERIFY(QFileInfo::exists(p.ApplicationInstallPath() + "settings.ini"));
         QCOMPARE(p.WinampExecutable(), AddBackslash(p.WinampInstallPath()) + "mpv");
-        QCOMPARE(p.ApplicationSongPath(), QString());
     }
 
-    void helpers_data() {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("withSlash");
-        QTest::newRow("bare") << "/a/b" << "/a/b/";
-        QTest::newRow("ended") << "/a/b/" << "/a/b/";
-        QTest::newRow("empty") << "" << "/";
-    }
     void helpers() {
-        QFETCH(QString, path);
-        QFETCH(QString, withSlash);
-        QCOMPARE(AddBackslash(path), withSlash);
-    }
-
-    void existenceTests() {
+        QCOMPARE(AddBackslash("/a/b"), QStringLiteral("/a/b/"));
+        QCOMPARE(AddBackslash("/a/b/"), QStringLiteral("/a/b/"));
+        QCOMPARE(AddBackslash(""), QStringLiteral("/"));
         QTemporaryDir d;
-        QFile f(d.filePath("file"));
-        f.open(QIODevice::WriteOnly);
-        f.close();
+        write(d.filePath("file"));
         QVERIFY(FileExists(d.path()));
         QVERIFY(FileExists(d.filePath("file")));
         QVERIFY(DirectoryExists(d.path() + '/'));
@@ -76,48 +65,33 @@ private slots:
         QCOMPARE(MakeDirectoryPath(deep + '/'), levels); // again: nothing to make, same count
     }
 
-    void firstStartSeedsSecondCopiesNothing() {
+    // The first start seeds the working folder; later ones copy only a template
+    // that has gone missing, and never replace or touch the host's own files.
+    void firstStartSeedsLaterOnesFillGaps() {
         oApplicationPaths = std::make_unique<cApplicationPaths>();
         QVERIFY(!QFileInfo::exists(working()));
         CheckWorkingFolder();
         QCOMPARE(WorkingFolder, working());
         QVERIFY(QFileInfo::exists(working() + "settings.ini"));
         QVERIFY(QFileInfo::exists(working() + "kvsonglist.mdb"));
-        // The host's own files are never replaced, and their times do not change.
-        QFile s(working() + "settings.ini");
-        s.open(QIODevice::Append);
-        s.write("[Mine]\nA=1\n");
-        s.close();
+        write(working() + "settings.ini", "[Mine]\nA=1\n", QIODevice::Append);
         const QDateTime t1 = QFileInfo(working() + "settings.ini").lastModified();
         const QDateTime t2 = QFileInfo(working() + "kvsonglist.mdb").lastModified();
         QThread::msleep(20);
         CheckWorkingFolder();
         QCOMPARE(QFileInfo(working() + "settings.ini").lastModified(), t1);
         QCOMPARE(QFileInfo(working() + "kvsonglist.mdb").lastModified(), t2);
-    }
 
-    void onlyTheMissingTemplateIsCopied() {
-        oApplicationPaths = std::make_unique<cApplicationPaths>();
-        CheckWorkingFolder();
-        QFile s(working() + "settings.ini");
-        s.open(QIODevice::Append);
-        s.write("[Mine]\nA=1\n");
-        s.close();
         QFile::remove(working() + "kvsonglist.mdb");
         CheckWorkingFolder();
         QVERIFY(QFileInfo::exists(working() + "kvsonglist.mdb"));
-        QFile again(working() + "settings.ini");
-        again.open(QIODevice::ReadOnly);
-        QVERIFY(again.readAll().contains("[Mine]"));
+        QCOMPARE(QFileInfo(working() + "settings.ini").lastModified(), t1);
     }
 
     void missingTemplateLeavesGap() {
         QTemporaryDir install;
         QTemporaryDir target;
-        QFile t(install.filePath("settings.ini"));
-        t.open(QIODevice::WriteOnly);
-        t.write("[Settings]\n");
-        t.close();
+        write(install.filePath("settings.ini"), "[Settings]\n");
         ScriptedPrompts p;
         CopyApplicationFiles(target.path(), install.path());
         QVERIFY(QFileInfo::exists(target.filePath("settings.ini")));
@@ -129,9 +103,7 @@ private slots:
         oApplicationPaths = std::make_unique<cApplicationPaths>();
         CheckWorkingFolder();
         QDir().mkpath(WorkingFolder + "Temp/a");
-        QFile f(WorkingFolder + "Temp/a/song.cdg");
-        f.open(QIODevice::WriteOnly);
-        f.close();
+        write(WorkingFolder + "Temp/a/song.cdg");
         RemoveTempFolder();
         QVERIFY(!QFileInfo::exists(WorkingFolder + "Temp"));
         RemoveTempFolder(); // nothing there: nothing happens

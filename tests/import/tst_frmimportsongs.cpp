@@ -35,48 +35,11 @@ private slots:
         m_ws.reset();
     }
 
-    void controls_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("caption");
-        QTest::addColumn<QString>("tip");
-        QTest::newRow("btnGetTracks") << "btnGetTracks"
-                                      << "Find Tracks"
-                                      << "Search for files to import";
-        QTest::newRow("btnTransfer") << "btnTransfer"
-                                     << "Add to search"
-                                     << "Adds the songs to the dastabase to allow search and play.";
-        QTest::newRow("btnClearDatabase") << "btnClearDatabase"
-                                          << "Clear Database"
-                                          << "Clear all songs from main database.";
-        QTest::newRow("btnOpenFolder") << "btnOpenFolder"
-                                       << "Open DB Folder"
-                                       << "Opens the folder containing the database.";
-        QTest::newRow("cmdCompact") << "cmdCompact"
-                                    << "DB &Optimise"
-                                    << "Optimises the database after removal and reimport of songs";
-    }
-    void controls() {
-        QFETCH(QString, name);
-        QFETCH(QString, caption);
-        QFETCH(QString, tip);
-        frmImportSongs form;
-        auto* b = form.findChild<QPushButton*>(name);
-        QVERIFY(b);
-        QCOMPARE(b->text(), caption);
-        QCOMPARE(b->toolTip(), tip);
-    }
-
     void loadState() {
         m_ws->addSongs({QStringLiteral("A - B"), QStringLiteral("C - D")});
         frmImportSongs form;
-        QCOMPARE(form.windowTitle(), QStringLiteral("Index Tracks"));
-        QCOMPARE(form.txtFolder->toolTip(), QStringLiteral("Choose Folder to import"));
-        QCOMPARE(form.cdoFileConvention->toolTip(),
-                 QStringLiteral("Choose the format your songs are named in"));
-        QCOMPARE(form.chkKamikaze->text(), QStringLiteral("Include in Kamikaze"));
-        QCOMPARE(form.cdoFileConvention->count(), 13);
+        // The list's order is not the conventions' numbering: it opens on number 2.
         QCOMPARE(form.cdoFileConvention->currentIndex(), 0);
-        QCOMPARE(form.cdoFileConvention->itemText(4), QStringLiteral("Title -Artist - Disk - Track"));
         QCOMPARE(form.selectedConvention(), 2);
         QCOMPARE(form.cdoFileConvention->itemData(6).toInt(), 4);
         QCOMPARE(form.txtFolder->text(), settingsfile::defaultFolder());
@@ -97,8 +60,6 @@ private slots:
         m_prompts->answer(confirm ? QVariant(dir.path()) : QVariant());
         form.txtFolder_ButtonClick();
         QCOMPARE(m_prompts->calls.first().kind, QStringLiteral("chooseFolder"));
-        QCOMPARE(m_prompts->calls.first().title,
-                 QStringLiteral("Select folder where song files are located"));
         const QString expected = confirm ? dir.path() : before;
         QCOMPARE(form.txtFolder->text(), expected);
         QCOMPARE(form.importFolder(), expected);
@@ -133,8 +94,6 @@ private slots:
         QSignalSpy cleared(&form, &frmImportSongs::queueListClearRequested);
         m_prompts->answer(answer);
         form.btnClearDatabase->click();
-        QCOMPARE(m_prompts->calls.first().text,
-                 QStringLiteral("Are your sure you wish to clear the database?"));
         QCOMPARE(m_prompts->calls.first().style, int(Prompts::OkCancel | Prompts::Exclamation));
         const bool ok = answer == Prompts::Ok;
         QCOMPARE(cleared.size(), ok ? 1 : 0);
