@@ -47,6 +47,7 @@ frmImportSongs::frmImportSongs(QWidget* owner) : QDialog(owner) {
 
     connect(&m_run, &ImportRun::buttonCaptionChanged, btnGetTracks, &QPushButton::setText);
     connect(&m_run, &ImportRun::busyChanged, this, &frmImportSongs::setBusy);
+    connect(&m_run, &ImportRun::runningChanged, this, &frmImportSongs::setRunning);
     connect(&m_run, &ImportRun::statusChanged, lblImportStatus, &QLabel::setText);
     connect(&m_run, &ImportRun::progressPath, this,
             [this](const QString& path) { lblImportStatus->setText(CompactedStatusPath(path)); });
@@ -188,10 +189,13 @@ void frmImportSongs::setBusy(bool busy) {
     else if (!busy && m_hourglass)
         QApplication::restoreOverrideCursor();
     m_hourglass = busy;
+}
+
+void frmImportSongs::setRunning(bool running) {
     // Clearing or compacting the catalogue under a running import would take
     // its connection away; those buttons wait for the run to end.
-    btnClearDatabase->setEnabled(!busy);
-    cmdCompact->setEnabled(!busy);
+    btnClearDatabase->setEnabled(!running);
+    cmdCompact->setEnabled(!running);
 }
 
 void frmImportSongs::btnClearDatabase_Click() {

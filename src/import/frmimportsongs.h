@@ -71,6 +71,7 @@ private:
     bool refuseCloseWhileImporting();
     void measureStatusWidth();
     void setBusy(bool busy);
+    void setRunning(bool running);
 
     ImportRun m_run;
     QString m_importFolder;

@@ -83,7 +83,8 @@ void ImportRun::GetTracks(const QString& folderText, int convention) {
 }
 
 void ImportRun::runImport(const QString& folderText, int convention) {
-    ++m_runDepth;
+    if (++m_runDepth == 1)
+        emit runningChanged(true);
     m_importer.ProcessedCount = 0;
     emit busyChanged(true);
     emit buttonCaptionChanged(kCancelImport);
@@ -117,7 +118,8 @@ void ImportRun::runImport(const QString& folderText, int convention) {
     if (m_runDepth == 1)
         DatabaseCompact();
     emit busyChanged(false);
-    --m_runDepth;
+    if (m_runDepth-- == 1)
+        emit runningChanged(false);
 }
 
 void ImportRun::SearchForFiles(const QString& folder) {

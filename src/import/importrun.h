@@ -54,8 +54,12 @@ public:
 signals:
     // Caption of the run's button: "Cancel Import" while running, "Find Tracks" otherwise.
     void buttonCaptionChanged(const QString& caption);
-    // The hourglass on (true) or off.
+    // The hourglass on (true) or off. It goes off after every press of the
+    // run's button, also one that only asked whether to cancel.
     void busyChanged(bool busy);
+    // A run has begun (true), or the outermost run has ended (false). While a
+    // run is on, the catalogue must not be cleared or compacted under it.
+    void runningChanged(bool running);
     // A text for the status label.
     void statusChanged(const QString& text);
     // The file being imported, every 50th file; the screen shortens it to its label.

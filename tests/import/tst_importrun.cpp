@@ -242,6 +242,38 @@ private slots:
         QVERIFY(!InTransaction());
     }
 
+    // Between two subfolders the run reads as not running, so a press of the
+    // button there starts a second run inside the first. The inner run finds
+    // the outer run's rows as duplicates, leaves the compaction to the outer
+    // run, and the catalogue stays guarded until the outer run ends.
+    void pressBetweenFoldersNestsARun() {
+        for (const char* folder : {"a", "b"})
+            for (int i = 0; i < 100; ++i)
+                touch(tree(QStringLiteral("%1/A - Song %2.zip").arg(QLatin1String(folder)).arg(i)));
+        QSignalSpy running(m_run.get(), &ImportRun::runningChanged);
+        QSignalSpy captions(m_run.get(), &ImportRun::buttonCaptionChanged);
+        bool pressed = false;
+        bool guardedInside = false;
+        m_run->setEventPump([&] {
+            if (!pressed && !m_run->ImportRunning) {
+                pressed = true;
+                m_run->GetTracks(tree(), 1);
+                guardedInside = running.size() == 1 && InTransaction();
+            }
+        });
+        const qint32 before = importSession().NewTrackCount;
+        m_run->GetTracks(tree(), 1);
+        QVERIFY(pressed);
+        QVERIFY(guardedInside);
+        QCOMPARE(captions.count(QVariantList{QStringLiteral("Cancel Import")}), 2);
+        QCOMPARE(running.size(), 2);
+        QCOMPARE(running.last().first().toBool(), false);
+        QCOMPARE(trackCount(), 200);
+        QCOMPARE(importSession().NewTrackCount - before, 200);
+        QVERIFY(!InTransaction());
+        QVERIFY(IsDatabaseOpen());
+    }
+
     // A folder that goes away while the walk is on: the box, then the walk
     // goes on with the rest.
     void vanishedFolderReported() {
