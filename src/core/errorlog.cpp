@@ -59,8 +59,12 @@ void LogErrorQuietly(const QString& description, const QString& source, qint32 l
     appendRecord({description, source, QString::number(line)});
 }
 
-void LogErrorEx(const QString& source, qint32 number, const QString& description, qint32 line) {
+void LogErrorExQuietly(const QString& source, qint32 number, const QString& description, qint32 line) {
     appendRecord({description, QString::number(number), source, QString::number(line)});
+}
+
+void LogErrorEx(const QString& source, qint32 number, const QString& description, qint32 line) {
+    LogErrorExQuietly(source, number, description, line);
     showErrorBox();
 }
 

@@ -13,6 +13,9 @@ void LogErrorEx(const QString& source, qint32 number, const QString& description
 // The common form's record without the box, for failures the host is not to
 // be interrupted by (a search that fails while the host types).
 void LogErrorQuietly(const QString& description, const QString& source, qint32 line);
+// The long form's record without the box, for a failure that can repeat for
+// every file of an import run.
+void LogErrorExQuietly(const QString& source, qint32 number, const QString& description, qint32 line);
 
 // The path of the log and the text of the box that follows each record.
 QString errorLogPath();

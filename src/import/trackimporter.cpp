@@ -358,6 +358,8 @@ void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
             number = k.number();
         } catch (...) {
         }
-        LogErrorEx(kSource, number, describeException(e), line);
+        // Logged without a box: a failure such as a full disk would come
+        // again for every file of the run, each wanting a click.
+        LogErrorExQuietly(kSource, number, describeException(e), line);
     }
 }
