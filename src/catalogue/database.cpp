@@ -1,5 +1,7 @@
 #include "database.h"
 
+#include "unicodelike.h"
+
 #include "core/capplicationpaths.h"
 #include "core/errorlog.h"
 #include "core/globals.h"
@@ -89,6 +91,8 @@ QString applyConnectionSettings(QSqlDatabase& db) {
         if (!q.exec(QString::fromLatin1(pragma)))
             return q.lastError().databaseText();
     }
+    if (!InstallUnicodeLike(NativeHandle(db)))
+        return QStringLiteral("the search operator could not be set up");
     return {};
 }
 
@@ -131,6 +135,15 @@ quint64 g_generation = 0;
 QSqlDatabase dbConnection() { return QSqlDatabase::database(kConnectionName, false); }
 
 quint64 ConnectionGeneration() { return g_generation; }
+
+sqlite3* NativeHandle(const QSqlDatabase& db) {
+    if (!db.isOpen())
+        return nullptr;
+    const QVariant handle = db.driver()->handle();
+    if (qstrcmp(handle.typeName(), "sqlite3*") != 0)
+        return nullptr;
+    return *static_cast<sqlite3* const*>(handle.constData());
+}
 
 bool IsDatabaseOpen() { return QSqlDatabase::contains(kConnectionName) && dbConnection().isOpen(); }
 

@@ -7,6 +7,8 @@
 // The one connection to the song catalogue, shared by every part of the
 // program, and the compaction of the catalogue file with its recovery.
 
+struct sqlite3;
+
 inline const QString kConnectionName = QStringLiteral("dbConnection");
 
 // The shared connection (not valid while closed).
@@ -15,6 +17,8 @@ bool IsDatabaseOpen();
 // Counts the openings and closings of the shared connection: what was taken
 // from the connection under one number stays good while the number holds.
 quint64 ConnectionGeneration();
+// The SQLite handle under an open connection, or null.
+sqlite3* NativeHandle(const QSqlDatabase& db);
 
 // Opens the catalogue of the data folder, first recovering from a compaction
 // that was cut short. Tells the host and returns false when the catalogue is

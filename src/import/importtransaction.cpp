@@ -2,9 +2,6 @@
 
 #include "catalogue/database.h"
 
-#include <QSqlDriver>
-#include <QVariant>
-
 #include <sqlite3.h>
 
 namespace {
@@ -20,13 +17,7 @@ QString savepointName(int level) {
 } // namespace
 
 bool InTransaction() {
-    QSqlDatabase db = dbConnection();
-    if (!db.isOpen())
-        return false;
-    const QVariant handle = db.driver()->handle();
-    if (qstrcmp(handle.typeName(), "sqlite3*") != 0)
-        return false;
-    sqlite3* s = *static_cast<sqlite3* const*>(handle.constData());
+    sqlite3* s = NativeHandle(dbConnection());
     return s && sqlite3_get_autocommit(s) == 0;
 }
 

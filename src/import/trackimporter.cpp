@@ -11,9 +11,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QList>
-#include <QSqlDriver>
 #include <QStringView>
-#include <QVariant>
 
 #include <array>
 #include <span>
@@ -107,12 +105,7 @@ sqlite3* catalogueHandle() {
     static quint64 generation = ~quint64(0);
     static sqlite3* cached = nullptr;
     if (generation != ConnectionGeneration()) {
-        cached = nullptr;
-        if (IsDatabaseOpen()) {
-            const QVariant handle = dbConnection().driver()->handle();
-            if (qstrcmp(handle.typeName(), "sqlite3*") == 0)
-                cached = *static_cast<sqlite3* const*>(handle.constData());
-        }
+        cached = IsDatabaseOpen() ? NativeHandle(dbConnection()) : nullptr;
         generation = ConnectionGeneration();
     }
     return cached;

@@ -70,6 +70,60 @@ private slots:
         QCOMPARE(count("Select count(*) from tblKaraokeTracks Where Kamikaze = -1 And Error = 0"), 1);
     }
 
+    // LIKE ignores case for every letter, not only ASCII, and keeps the
+    // operator's wildcards, ESCAPE and NULL.
+    void likeIgnoresCaseOfEveryLetter_data() {
+        QTest::addColumn<QVariant>("text");
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("escape"); // none when empty
+        QTest::addColumn<QVariant>("expected");
+        const auto row = [](const char* tag, const char* text, const char* pattern, QVariant expected,
+                            const char* escape = "") {
+            QTest::newRow(tag) << (text ? QVariant(QString::fromUtf8(text)) : QVariant()) << QString::fromUtf8(pattern)
+                               << QString::fromUtf8(escape) << expected;
+        };
+        row("ascii", "Dancing Queen", "%QUEEN%", 1);
+        row("umlaut", "Die Ärzte - Männer", "%ärzte%", 1);
+        row("accented capital", "ÉDITH PIAF", "édith%", 1);
+        row("accents still count", "Edith Piaf", "%édith%", 0);
+        row("cyrillic", "ПЕСНЯ", "песня", 1);
+        row("greek final sigma", "ΈΡΩΣ", "%έρως", 1);
+        row("underscore is one letter, not one byte", "Ä", "_", 1);
+        row("underscore needs a letter", "", "_", 0);
+        row("runs step back", "abcabd", "%a%d", 1);
+        row("runs that cannot fit", "ab", "a%b%c", 0);
+        row("whole text must match", "Abba Gold", "abba", 0);
+        row("start", "Abba Gold", "abba%", 1);
+        row("end", "Abba Gold", "%GOLD", 1);
+        row("ascii word in a text beyond ascii", "Beyoncé - Halo", "%HALO%", 1);
+        row("ascii word missing from a text beyond ascii", "Beyoncé - Halo", "%ring%", 0);
+        row("a letter beyond ascii that folds to one", "Chriſtmas", "%christmas%", 1);
+        row("kelvin sign", "\u212Aing", "king", 1);
+        row("empty pattern", "", "", 1);
+        row("escaped percent", "100%", "100!%", 1, "!");
+        row("escaped percent is no wildcard", "1000", "100!%", 0, "!");
+        row("escape at the end matches nothing", "100", "100!", 0, "!");
+        row("null text", nullptr, "%a%", QVariant());
+    }
+    void likeIgnoresCaseOfEveryLetter() {
+        QFETCH(QVariant, text);
+        QFETCH(QString, pattern);
+        QFETCH(QString, escape);
+        QFETCH(QVariant, expected);
+        TestWorkspace ws;
+        QSqlQuery q(dbConnection());
+        QVERIFY(q.prepare(escape.isEmpty() ? QStringLiteral("SELECT ? LIKE ?")
+                                           : QStringLiteral("SELECT ? LIKE ? ESCAPE ?")));
+        q.addBindValue(text);
+        q.addBindValue(pattern);
+        if (!escape.isEmpty())
+            q.addBindValue(escape);
+        QVERIFY2(q.exec() && q.next(), qPrintable(q.lastError().text()));
+        QCOMPARE(q.value(0).isNull(), expected.isNull());
+        if (!expected.isNull())
+            QCOMPARE(q.value(0).toInt(), expected.toInt());
+    }
+
     void duplicatePathRefused() {
         TestWorkspace ws;
         ExecuteSql("INSERT INTO tblKaraokeTracks (TrackPath) VALUES ('/a/Song.zip')");

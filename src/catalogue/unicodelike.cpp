@@ -1,0 +1,318 @@
+#include "unicodelike.h"
+
+#include <QChar>
+
+#include <sqlite3.h>
+
+#include <cctype>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+// Pattern elements above the last code point stand for the two wildcards.
+constexpr char32_t kAnyRun = 0x110000;
+constexpr char32_t kAnyOne = 0x110001;
+constexpr char32_t kBadByte = 0xFFFD;
+
+char32_t fold(char32_t c) {
+    if (c < 0x80)
+        return (c >= 'A' && c <= 'Z') ? c + 32 : c;
+    return QChar::toCaseFolded(c);
+}
+
+// Decodes one code point of UTF-8 at `p` (before `end`) and moves past it. A
+// stray or cut byte reads as one replacement character, so that no input can
+// stop the scan.
+char32_t nextCodePoint(const unsigned char*& p, const unsigned char* end) {
+    const unsigned char lead = *p++;
+    if (lead < 0x80)
+        return lead;
+    int extra = 0;
+    char32_t c = 0;
+    if ((lead & 0xE0) == 0xC0) {
+        extra = 1;
+        c = lead & 0x1F;
+    } else if ((lead & 0xF0) == 0xE0) {
+        extra = 2;
+        c = lead & 0x0F;
+    } else if ((lead & 0xF8) == 0xF0) {
+        extra = 3;
+        c = lead & 0x07;
+    } else {
+        return kBadByte;
+    }
+    for (int i = 0; i < extra; ++i) {
+        if (p == end || (*p & 0xC0) != 0x80)
+            return kBadByte;
+        c = (c << 6) | (*p++ & 0x3F);
+    }
+    return c;
+}
+
+// The folded code points of a text, into a buffer kept between rows.
+void foldText(const unsigned char* p, int bytes, std::vector<char32_t>& out) {
+    out.clear();
+    const unsigned char* end = p + bytes;
+    while (p < end) {
+        // Runs of ASCII, the usual case, skip the decoder.
+        if (*p < 0x80) {
+            const unsigned char c = *p++;
+            out.push_back((c >= 'A' && c <= 'Z') ? c + 32 : c);
+        } else {
+            out.push_back(fold(nextCodePoint(p, end)));
+        }
+    }
+}
+
+// A pattern compiled once per statement: folded literals and wildcards.
+struct CompiledPattern {
+    std::vector<char32_t> elements;
+    bool hasEscape = false;
+    char32_t escape = 0;
+    bool neverMatches = false;
+    // The shape of every typed search, "%words%" (or without either "%"),
+    // with ASCII words: on an ASCII text it is a plain search for `literal`.
+    bool plainAscii = false;
+    bool anyBefore = false;
+    bool anyAfter = false;
+    std::string literal;
+    // What the scan for a candidate stops at: the literal's first letter in
+    // both cases, and the first bytes of the letters beyond ASCII that fold
+    // to an ASCII one.
+    std::string stops;
+};
+
+// The letters beyond ASCII that fold to ASCII ones ("ſ" to "s", the Kelvin
+// sign to "k"), found once from the folding table itself.
+const std::vector<char32_t>& lettersFoldingToAscii() {
+    static const std::vector<char32_t> letters = [] {
+        std::vector<char32_t> out;
+        for (char32_t c = 0x80; c <= 0x10FFFF; ++c)
+            if ((c < 0xD800 || c > 0xDFFF) && QChar::toCaseFolded(c) < 0x80)
+                out.push_back(c);
+        return out;
+    }();
+    return letters;
+}
+
+// The first byte of the UTF-8 form of `c` (which is beyond ASCII).
+char leadByte(char32_t c) {
+    if (c < 0x800)
+        return char(0xC0 | (c >> 6));
+    if (c < 0x10000)
+        return char(0xE0 | (c >> 12));
+    return char(0xF0 | (c >> 18));
+}
+
+// Notes whether the compiled pattern has the plain shape.
+void notePlainShape(CompiledPattern& c) {
+    const auto& e = c.elements;
+    const size_t from = (!e.empty() && e.front() == kAnyRun) ? 1 : 0;
+    size_t to = e.size();
+    if (to > from && e.back() == kAnyRun)
+        --to;
+    for (size_t i = from; i < to; ++i) {
+        if (e[i] >= 0x80)
+            return; // a wildcard or a letter beyond ASCII
+        c.literal.push_back(char(e[i]));
+    }
+    c.anyBefore = from == 1;
+    c.anyAfter = to < e.size();
+    c.plainAscii = true;
+    if (!c.literal.empty()) {
+        c.stops.push_back(c.literal[0]);
+        c.stops.push_back(char(std::toupper(static_cast<unsigned char>(c.literal[0]))));
+        for (char32_t letter : lettersFoldingToAscii())
+            if (c.stops.find(leadByte(letter)) == std::string::npos)
+                c.stops.push_back(leadByte(letter));
+    }
+}
+
+unsigned char lowerAscii(unsigned char b) {
+    return (b >= 'A' && b <= 'Z') ? b + 32 : b;
+}
+
+// Whether the bytes at `p` begin with the lower-case ASCII `word`, ignoring case.
+bool equalsFolded(const unsigned char* p, std::string_view word) {
+    for (size_t i = 0; i < word.size(); ++i)
+        if (lowerAscii(p[i]) != static_cast<unsigned char>(word[i]))
+            return false;
+    return true;
+}
+
+bool hasNonAscii(const unsigned char* p, int bytes) {
+    unsigned char seen = 0;
+    for (int i = 0; i < bytes; ++i)
+        seen |= p[i];
+    return (seen & 0x80) != 0;
+}
+
+// Matches a plain pattern on the bytes of the text. A match found among ASCII
+// characters is a match; no match is only sure when the text holds nothing
+// but ASCII (a few other letters fold to ASCII ones). Returns 1, 0, or -1 for
+// "let the general match decide".
+int plainMatch(const CompiledPattern& c, const unsigned char* p, int bytes) {
+    const std::string_view word(c.literal);
+    const auto n = size_t(bytes);
+    bool found = false;
+    if (!c.anyBefore) {
+        found = n >= word.size() && equalsFolded(p, word) && (c.anyAfter || n == word.size());
+    } else if (!c.anyAfter) {
+        found = n >= word.size() && equalsFolded(p + n - word.size(), word);
+    } else if (word.empty()) {
+        found = true;
+    } else {
+        // Candidates are found as SQLite's own LIKE finds them: a fast scan
+        // for the first letter in either case, then a comparison. The scan
+        // also stops at a letter that folds to ASCII, which only the general
+        // match can weigh.
+        const char* at = reinterpret_cast<const char*>(p);
+        const char* end = at + n;
+        while (!found) {
+            at += std::strcspn(at, c.stops.c_str());
+            if (at >= end)
+                return 0;
+            const auto* here = reinterpret_cast<const unsigned char*>(at);
+            if (*here >= 0x80) {
+                const unsigned char* next = here;
+                const char32_t letter = nextCodePoint(next, p + n);
+                for (char32_t special : lettersFoldingToAscii())
+                    if (letter == special)
+                        return -1;
+            } else if (*here != 0 && size_t(end - at) >= word.size()) {
+                found = equalsFolded(here, word);
+            }
+            ++at;
+        }
+    }
+    if (found)
+        return 1;
+    return hasNonAscii(p, bytes) ? -1 : 0;
+}
+
+CompiledPattern compile(const unsigned char* p, int bytes, char32_t escape, bool hasEscape) {
+    CompiledPattern out;
+    out.hasEscape = hasEscape;
+    out.escape = escape;
+    const unsigned char* end = p + bytes;
+    while (p < end) {
+        const char32_t c = nextCodePoint(p, end);
+        if (hasEscape && c == escape) {
+            // An escape as the pattern's last character escapes nothing: as
+            // with SQLite's own LIKE, no text matches such a pattern.
+            if (p == end) {
+                out.neverMatches = true;
+                return out;
+            }
+            out.elements.push_back(fold(nextCodePoint(p, end)));
+        } else if (c == U'%') {
+            // Runs of "%" match as one.
+            if (out.elements.empty() || out.elements.back() != kAnyRun)
+                out.elements.push_back(kAnyRun);
+        } else if (c == U'_') {
+            out.elements.push_back(kAnyOne);
+        } else {
+            out.elements.push_back(fold(c));
+        }
+    }
+    notePlainShape(out);
+    return out;
+}
+
+// Matching with a step back to the last "%": each "%" takes as little as it
+// can and one more character whenever the rest fails to match.
+bool matches(const std::vector<char32_t>& pattern, const std::vector<char32_t>& text) {
+    size_t p = 0;
+    size_t t = 0;
+    size_t runAt = size_t(-1);
+    size_t resumeAt = 0;
+    while (t < text.size()) {
+        if (p < pattern.size() && pattern[p] == kAnyRun) {
+            runAt = p++;
+            resumeAt = t;
+        } else if (p < pattern.size() && (pattern[p] == kAnyOne || pattern[p] == text[t])) {
+            ++p;
+            ++t;
+        } else if (runAt != size_t(-1)) {
+            p = runAt + 1;
+            t = ++resumeAt;
+        } else {
+            return false;
+        }
+    }
+    while (p < pattern.size() && pattern[p] == kAnyRun)
+        ++p;
+    return p == pattern.size();
+}
+
+void deleteCompiled(void* p) {
+    delete static_cast<CompiledPattern*>(p);
+}
+
+// like(pattern, text) and like(pattern, text, escape), as SQLite calls them
+// for "text LIKE pattern [ESCAPE escape]".
+void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
+    for (int i = 0; i < argc; ++i) {
+        if (sqlite3_value_type(argv[i]) == SQLITE_NULL) {
+            sqlite3_result_null(ctx);
+            return;
+        }
+    }
+    char32_t escape = 0;
+    const bool hasEscape = argc == 3;
+    if (hasEscape) {
+        const auto* e = sqlite3_value_text(argv[2]);
+        const int bytes = sqlite3_value_bytes(argv[2]);
+        const unsigned char* p = e;
+        escape = bytes > 0 ? nextCodePoint(p, e + bytes) : 0;
+        if (bytes == 0 || p != e + bytes) {
+            sqlite3_result_error(ctx, "ESCAPE expression must be a single character", -1);
+            return;
+        }
+    }
+
+    // The pattern is the same for every row of a search: it is compiled for
+    // the first row and kept by SQLite for the others. SQLite may drop what it
+    // is given to keep at once, so it is handed over after the last use.
+    const auto* kept = static_cast<const CompiledPattern*>(sqlite3_get_auxdata(ctx, 0));
+    if (kept && (kept->hasEscape != hasEscape || kept->escape != escape))
+        kept = nullptr;
+    std::unique_ptr<CompiledPattern> fresh;
+    if (!kept) {
+        const auto* patternText = sqlite3_value_text(argv[0]);
+        const int patternBytes = sqlite3_value_bytes(argv[0]);
+        if (patternBytes > sqlite3_limit(sqlite3_context_db_handle(ctx), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1)) {
+            sqlite3_result_error(ctx, "LIKE or GLOB pattern too complex", -1);
+            return;
+        }
+        fresh = std::make_unique<CompiledPattern>(compile(patternText, patternBytes, escape, hasEscape));
+    }
+    const CompiledPattern& pattern = kept ? *kept : *fresh;
+    const auto* textBytes = sqlite3_value_text(argv[1]);
+    const int textLength = sqlite3_value_bytes(argv[1]);
+    int result = pattern.neverMatches ? 0 : pattern.plainAscii ? plainMatch(pattern, textBytes, textLength) : -1;
+    if (result < 0) {
+        thread_local std::vector<char32_t> text;
+        foldText(textBytes, textLength, text);
+        result = matches(pattern.elements, text) ? 1 : 0;
+    }
+    sqlite3_result_int(ctx, result);
+    if (fresh)
+        sqlite3_set_auxdata(ctx, 0, fresh.release(), deleteCompiled);
+}
+
+} // namespace
+
+bool InstallUnicodeLike(sqlite3* db) {
+    if (!db)
+        return false;
+    constexpr int kFlags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
+    return sqlite3_create_function_v2(db, "like", 2, kFlags, nullptr, likeFunction, nullptr, nullptr, nullptr) ==
+               SQLITE_OK &&
+           sqlite3_create_function_v2(db, "like", 3, kFlags, nullptr, likeFunction, nullptr, nullptr, nullptr) ==
+               SQLITE_OK;
+}
