@@ -1,10 +1,11 @@
 #include "unicodelike.h"
 
+#include "core/wildcardmatch.h"
+
 #include <QChar>
 
 #include <sqlite3.h>
 
-#include <cctype>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -57,15 +58,8 @@ char32_t nextCodePoint(const unsigned char*& p, const unsigned char* end) {
 void foldText(const unsigned char* p, int bytes, std::vector<char32_t>& out) {
     out.clear();
     const unsigned char* end = p + bytes;
-    while (p < end) {
-        // Runs of ASCII, the usual case, skip the decoder.
-        if (*p < 0x80) {
-            const unsigned char c = *p++;
-            out.push_back((c >= 'A' && c <= 'Z') ? c + 32 : c);
-        } else {
-            out.push_back(fold(nextCodePoint(p, end)));
-        }
-    }
+    while (p < end)
+        out.push_back(fold(nextCodePoint(p, end)));
 }
 
 // A pattern compiled once per statement: folded literals and wildcards.
@@ -108,6 +102,13 @@ char leadByte(char32_t c) {
     return char(0xF0 | (c >> 18));
 }
 
+// The capital of an ASCII letter; anything else as it is. (The C library's
+// toupper follows the locale, and a Turkish one has no capital for "i".)
+unsigned char upperAscii(char c) {
+    const auto b = static_cast<unsigned char>(c);
+    return (b >= 'a' && b <= 'z') ? b - 32 : b;
+}
+
 // Notes whether the compiled pattern has the plain shape.
 void notePlainShape(CompiledPattern& c) {
     const auto& e = c.elements;
@@ -125,21 +126,17 @@ void notePlainShape(CompiledPattern& c) {
     c.plainAscii = true;
     if (!c.literal.empty()) {
         c.stops.push_back(c.literal[0]);
-        c.stops.push_back(char(std::toupper(static_cast<unsigned char>(c.literal[0]))));
+        c.stops.push_back(char(upperAscii(c.literal[0])));
         for (char32_t letter : lettersFoldingToAscii())
             if (c.stops.find(leadByte(letter)) == std::string::npos)
                 c.stops.push_back(leadByte(letter));
     }
 }
 
-unsigned char lowerAscii(unsigned char b) {
-    return (b >= 'A' && b <= 'Z') ? b + 32 : b;
-}
-
 // Whether the bytes at `p` begin with the lower-case ASCII `word`, ignoring case.
 bool equalsFolded(const unsigned char* p, std::string_view word) {
     for (size_t i = 0; i < word.size(); ++i)
-        if (lowerAscii(p[i]) != static_cast<unsigned char>(word[i]))
+        if (p[i] != static_cast<unsigned char>(word[i]) && p[i] != upperAscii(word[i]))
             return false;
     return true;
 }
@@ -223,30 +220,10 @@ CompiledPattern compile(const unsigned char* p, int bytes, char32_t escape, bool
     return out;
 }
 
-// Matching with a step back to the last "%": each "%" takes as little as it
-// can and one more character whenever the rest fails to match.
 bool matches(const std::vector<char32_t>& pattern, const std::vector<char32_t>& text) {
-    size_t p = 0;
-    size_t t = 0;
-    size_t runAt = size_t(-1);
-    size_t resumeAt = 0;
-    while (t < text.size()) {
-        if (p < pattern.size() && pattern[p] == kAnyRun) {
-            runAt = p++;
-            resumeAt = t;
-        } else if (p < pattern.size() && (pattern[p] == kAnyOne || pattern[p] == text[t])) {
-            ++p;
-            ++t;
-        } else if (runAt != size_t(-1)) {
-            p = runAt + 1;
-            t = ++resumeAt;
-        } else {
-            return false;
-        }
-    }
-    while (p < pattern.size() && pattern[p] == kAnyRun)
-        ++p;
-    return p == pattern.size();
+    return WildcardMatch(
+        pattern, text, [](char32_t c) { return c == kAnyRun; },
+        [](char32_t p, char32_t t) { return p == kAnyOne || p == t; });
 }
 
 void deleteCompiled(void* p) {

@@ -1,5 +1,7 @@
 #include "filepatternmatcher.h"
 
+#include "core/wildcardmatch.h"
+
 namespace {
 
 bool sameLetter(QChar a, QChar b) {
@@ -37,31 +39,10 @@ bool FilePatternMatcher::matches(QStringView name) const {
     return false;
 }
 
-// Greedy matching with one step back to the last "*": linear in practice and
-// never recursive, however many stars a pattern holds.
 bool FilePatternMatcher::wildcardMatch(QStringView pattern, QStringView name) {
-    qsizetype p = 0;
-    qsizetype n = 0;
-    qsizetype starAt = -1;
-    qsizetype resumeAt = 0;
-    while (n < name.size()) {
-        if (p < pattern.size() && pattern[p] == QLatin1Char('*')) {
-            starAt = p++;
-            resumeAt = n;
-        } else if (p < pattern.size() &&
-                   (pattern[p] == QLatin1Char('?') || sameLetter(pattern[p], name[n]))) {
-            ++p;
-            ++n;
-        } else if (starAt >= 0) {
-            p = starAt + 1;
-            n = ++resumeAt;
-        } else {
-            return false;
-        }
-    }
-    while (p < pattern.size() && pattern[p] == QLatin1Char('*'))
-        ++p;
-    return p == pattern.size();
+    return WildcardMatch(
+        pattern, name, [](QChar c) { return c == QLatin1Char('*'); },
+        [](QChar p, QChar n) { return p == QLatin1Char('?') || sameLetter(p, n); });
 }
 
 bool MatchesFilePattern(QStringView name, const QString& patternList) {
