@@ -1,22 +1,21 @@
 #include "core/capplicationpaths.h"
 #include "core/globals.h"
-#include "core/pathhelpers.h"
 #include "core/workingfolder.h"
-#include "scriptedprompts.h"
 #include "testrunner.h"
 #include "workspace.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
 
 namespace {
-QString working() { return cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder()) + '/'; }
-void write(const QString& path, const QByteArray& data = {}, QIODevice::OpenMode mode = QIODevice::WriteOnly) {
+QString working() {
+    return cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder()) + '/';
+}
+void write(const QString& path, const QByteArray& data = {},
+           QIODevice::OpenMode mode = QIODevice::WriteOnly) {
     QFile f(path);
     QVERIFY(f.open(mode));
     f.write(data);
@@ -38,31 +37,6 @@ private slots:
         QCOMPARE(p.ApplicationDatabaseFile(), data + "/kvsonglist.mdb");
         QCOMPARE(p.CompactedDatabase(), data + "/kvSongListTemp.mdb");
         QCOMPARE(p.ApplicationSongTempPath(), data + "/Temp/");
-        QCOMPARE(p.WinampExecutable(), AddBackslash(p.WinampInstallPath()) + "mpv");
-    }
-
-    void helpers() {
-        QCOMPARE(AddBackslash("/a/b"), QStringLiteral("/a/b/"));
-        QCOMPARE(AddBackslash("/a/b/"), QStringLiteral("/a/b/"));
-        QCOMPARE(AddBackslash(""), QStringLiteral("/"));
-        QTemporaryDir d;
-        write(d.filePath("file"));
-        QVERIFY(FileExists(d.path()));
-        QVERIFY(FileExists(d.filePath("file")));
-        QVERIFY(DirectoryExists(d.path() + '/'));
-        QVERIFY(!DirectoryExists(d.filePath("file")));
-        QVERIFY(!FileExists(d.filePath("none")));
-        QVERIFY(!DirectoryExists(QString()));
-    }
-
-    void makeDirectoryPathCountsEveryLevel() {
-        QTemporaryDir d;
-        const QString deep = d.path() + "/one/two/three";
-        QDir().mkpath(d.path() + "/one");
-        const int levels = int(d.path().split('/', Qt::SkipEmptyParts).size()) + 3;
-        QCOMPARE(MakeDirectoryPath(deep), levels);
-        QVERIFY(QFileInfo(deep).isDir());
-        QCOMPARE(MakeDirectoryPath(deep + '/'), levels); // again: nothing to make, same count
     }
 
     // The first start seeds the working folder; later ones copy only a template
@@ -86,27 +60,6 @@ private slots:
         CheckWorkingFolder();
         QVERIFY(QFileInfo::exists(working() + "kvsonglist.mdb"));
         QCOMPARE(QFileInfo(working() + "settings.ini").lastModified(), t1);
-    }
-
-    void missingTemplateLeavesGap() {
-        QTemporaryDir install;
-        QTemporaryDir target;
-        write(install.filePath("settings.ini"), "[Settings]\n");
-        ScriptedPrompts p;
-        CopyApplicationFiles(target.path(), install.path());
-        QVERIFY(QFileInfo::exists(target.filePath("settings.ini")));
-        QVERIFY(!QFileInfo::exists(target.filePath("kvsonglist.mdb")));
-        QCOMPARE(p.calls.size(), 0); // reported later, when the catalogue is opened
-    }
-
-    void tempFolderRemovedAtExit() {
-        oApplicationPaths = std::make_unique<cApplicationPaths>();
-        CheckWorkingFolder();
-        QDir().mkpath(WorkingFolder + "Temp/a");
-        write(WorkingFolder + "Temp/a/song.cdg");
-        RemoveTempFolder();
-        QVERIFY(!QFileInfo::exists(WorkingFolder + "Temp"));
-        RemoveTempFolder(); // nothing there: nothing happens
     }
 };
 
