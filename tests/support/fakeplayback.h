@@ -25,7 +25,6 @@ public:
     int length = -1;
     int playlistLength = 0;
     QMap<QString, QString> filters;
-    int boxesForNoPlayer = 0; // how often an operation found no player
 
     bool isConnected() const override { return connected; }
     bool FindPlayer() override { return connected; }
