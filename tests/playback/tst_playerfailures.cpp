@@ -3,7 +3,6 @@
 #include "core/globals.h"
 #include "fakeplayback.h"
 #include "playback/cencryptex.h"
-#include "playback/playerprocess.h"
 #include "playback/playerstartup.h"
 #include "playback/winamp_control.h"
 #include "playbackmedia.h"
@@ -11,15 +10,12 @@
 #include "testrunner.h"
 #include "workspace.h"
 
-#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
-#include <cstdio>
 #include <memory>
 #include <unistd.h>
 
@@ -34,29 +30,6 @@ bool processGone(qint64 pid) {
     QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
     return stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") Z ");
 }
-
-// When this executable is started with KV_PLAYER_HELPER set, it is not a test
-// run: it starts a player the way the program does, prints the player's
-// process id and waits to be killed. It runs before main() and touches none
-// of the program's globals.
-struct PlayerHelperMode {
-    PlayerHelperMode() {
-        const QByteArray player = qgetenv("KV_PLAYER_HELPER");
-        if (player.isEmpty())
-            return;
-        int argc = 1;
-        char name[] = "player-helper";
-        char* argv[] = {name, nullptr};
-        QCoreApplication app(argc, argv);
-        PlayerProcess process;
-        if (process.start(QString::fromLocal8Bit(player), {QStringLiteral("--idle=yes")}) < 0)
-            ::_exit(3);
-        std::printf("%lld\n", static_cast<long long>(process.processId()));
-        std::fflush(stdout);
-        for (;;)
-            ::pause();
-    }
-} playerHelperMode;
 
 } // namespace
 
@@ -101,22 +74,23 @@ private slots:
         QVERIFY(m_prompts->calls[0].text.contains("the winamp window has been closed"));
     }
 
-    void missingExecutableIsToldAndStartsNothing() {
-        WinAMP_Control link;
-        link.setWinampPath(m_dir.filePath("no such player"));
-        QVERIFY(!link.StartPlayer());
-        QCOMPARE(m_prompts->boxTitles(), QStringList{"Application Installation Error"});
-        QVERIFY(!link.isConnected());
+    // A missing player is told; a program that never answers as a player is
+    // given up, quietly, and ended.
+    void badPlayerPath_data() {
+        QTest::addColumn<bool>("exists");
+        QTest::addColumn<QStringList>("boxes");
+        QTest::newRow("missing") << false << QStringList{"Application Installation Error"};
+        QTest::newRow("not a player") << true << QStringList{};
     }
-
-    // A program that never answers as a player is given up, quietly, and ended.
-    void somethingThatIsNotAPlayerIsGivenUpAndEnded() {
+    void badPlayerPath() {
+        QFETCH(bool, exists);
         WinAMP_Control link;
-        link.setWinampPath(writeScript(m_dir.filePath("notaplayer.sh"),
-                                       "while true; do echo '{\"nonsense\":1}'; sleep 0.05; done"));
+        link.setWinampPath(exists ? writeScript(m_dir.filePath("notaplayer.sh"),
+                                                "while true; do echo '{\"nonsense\":1}'; sleep 0.05; done")
+                                  : m_dir.filePath("no such player"));
         link.setWaiter([](int) {});
         QVERIFY(!link.StartPlayer());
-        QVERIFY(m_prompts->calls.isEmpty());
+        QTEST(m_prompts->boxTitles(), "boxes");
         QVERIFY(!link.isConnected());
         QVERIFY(processGone(link.playerProcessId()));
     }
@@ -140,21 +114,6 @@ private slots:
         QVERIFY(!link.FindPlayer());
         QCOMPARE(link.GetStatus(), QString());
         QCOMPARE(m_prompts->countTitle(kNotFound), 1);
-    }
-
-    void playerDiesWithTheProgram() {
-        QProcess helper;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("KV_PLAYER_HELPER", m_wrapper);
-        helper.setProcessEnvironment(env);
-        helper.start(QCoreApplication::applicationFilePath(), {});
-        QVERIFY(helper.waitForStarted());
-        QVERIFY(helper.waitForReadyRead(10000));
-        const qint64 player = helper.readLine().trimmed().toLongLong();
-        QVERIFY(player > 0 && !processGone(player));
-        ::kill(pid_t(helper.processId()), SIGKILL);
-        QVERIFY(helper.waitForFinished(5000));
-        QTRY_VERIFY_WITH_TIMEOUT(processGone(player), 10000);
     }
 
     // The queue is restored even when no player is set; the player found at

@@ -1,6 +1,5 @@
 #include "core/appsettings.h"
 #include "fakeplayback.h"
-#include "playback/cdgnormaliser.h"
 #include "playback/keycontrol.h"
 #include "playback/modpacemaker.h"
 #include "playback/transport.h"
@@ -36,12 +35,6 @@ class TestTransport : public QObject {
     }
     int plays() const { return int(m_rig->journal.count("SendCommand:40045")); }
     QString performer() const { return m_rig->view.performer; }
-    static QByteArray packet(char command, char instruction = 0) {
-        QByteArray p(24, '\0');
-        p[0] = command;
-        p[1] = instruction;
-        return p;
-    }
     // The song playing now ends and the auto-play timer looks.
     void songEnds() {
         m_rig->player.raw = PlayerLink::RawStopped;
@@ -80,12 +73,6 @@ private slots:
         QCOMPARE(m_rig->queue.rowCount(), 2);
     }
 
-    void playAndRestartOnAnEmptyQueueDoNothing() {
-        m_transport->btnPlayTrack_Click();
-        m_transport->btnRestart_Click();
-        QVERIFY(m_rig->journal.isEmpty());
-    }
-
     void autoPlayWalksTheQueue() {
         fillQueue(2);
         m_transport->chkAutoPlay_Click(true);
@@ -106,8 +93,9 @@ private slots:
         QCOMPARE(m_rig->journal.size(), before);
     }
 
-    void autoPlayWaitsWithDelay() {
-        fillQueue(2);
+    // With the delay on, the next song waits for the delay timer; a stop ends the walk.
+    void autoPlayWaitsWithDelayAndStopEndsIt() {
+        fillQueue(3);
         m_transport->chkAutoPlay_Click(true);
         m_transport->chkDelay_Click(true);
         m_transport->btnPlayTrack_Click();
@@ -117,12 +105,6 @@ private slots:
         m_transport->tmrDelay_Timer();
         QCOMPARE(plays(), 2);
         QCOMPARE(performer(), QStringLiteral("Singer 1"));
-    }
-
-    void stopEndsTheWalk() {
-        fillQueue(2);
-        m_transport->chkAutoPlay_Click(true);
-        m_transport->btnPlayTrack_Click();
         m_transport->btnStop_Click();
         QCOMPARE(m_transport->state(), State::Idle); // no timer left to start the next song
         QCOMPARE(m_rig->queue.rowCount(), 1);
@@ -183,36 +165,6 @@ private slots:
                  m_rig->view.key == "0" ? QString() : modPacemaker::pitchFilter(m_rig->view.key.toInt()));
     }
 
-    void keyChangeWithoutAPlayerDoesNotFail() {
-        modPacemaker shifter(m_rig->player); // not looked for yet: the first press must find it
-        KeyControl keys(shifter, m_rig->player, m_rig->view);
-        m_rig->player.connected = false;
-        m_rig->view.key = "4";
-        keys.btnKeyReset_Click();
-        QCOMPARE(m_rig->view.key, QStringLiteral("0"));
-        keys.btnKeyUp_Click();
-        QCOMPARE(m_rig->view.key, QStringLiteral("1"));
-        QVERIFY(m_rig->journal.filter("Filter").isEmpty());
-    }
-
-    // The CD+G copy that starts the clock at the first packet: leading empty
-    // packets become do-nothing commands, a broken tail is kept.
-    void cdgNormalise_data() {
-        QTest::addColumn<QByteArray>("in");
-        QTest::addColumn<QList<int>>("neutralised"); // packet indexes
-        const QByteArray empty = packet(0), junk = packet(0x13), cmd = packet(0x09, 0x01);
-        QTest::newRow("leading empties") << (empty + junk + empty + cmd + empty) << QList<int>{0, 1, 2};
-        QTest::newRow("all empty") << (empty + empty) << QList<int>{0, 1};
-        QTest::newRow("partial packet at the end kept") << (cmd + QByteArray(10, '\0')) << QList<int>{};
-    }
-    void cdgNormalise() {
-        QFETCH(QByteArray, in);
-        QFETCH(QList<int>, neutralised);
-        QByteArray expected = in;
-        for (int i : neutralised)
-            expected.replace(i * 24, 24, packet(0x09));
-        QCOMPARE(CdgNormaliser::normalise(in), expected);
-    }
 };
 
 KV_TEST_CLASS(TestTransport)

@@ -15,14 +15,17 @@
 
 namespace fakeplayback {
 
-class FakePlayer : public PlayerLink {
+struct Journaled {
+    QStringList& journal;
+    void log(const QString& s) const { journal.append(s); }
+};
+
+class FakePlayer : public PlayerLink, Journaled {
 public:
-    explicit FakePlayer(QStringList& journal) : m_journal(journal) {}
+    explicit FakePlayer(QStringList& j) : Journaled{j} {}
 
     bool connected = true;
     int raw = RawStopped;
-    int position = -1;
-    int length = -1;
     int playlistLength = 0;
     QMap<QString, QString> filters;
 
@@ -35,21 +38,16 @@ public:
     }
     QString GetStatus() override { return statusText(raw); }
     int rawStatus() override { return raw; }
-    int GetPositionSeconds() override { return position; }
-    int GetLengthSeconds() override { return length; }
-    void SetPanning(int value) override {
-        if (value >= -127 && value <= 127)
-            log(QStringLiteral("SetPanning:%1").arg(value));
-    }
+    int GetPositionSeconds() override { return -1; }
+    int GetLengthSeconds() override { return -1; }
+    void SetPanning(int) override {}
     int GetPlaylistLength() override { return playlistLength; }
-    void DisableRepeat() override { log("DisableRepeat"); }
-    void DisableShuffle() override { log("DisableShuffle"); }
+    void DisableRepeat() override {}
+    void DisableShuffle() override {}
     void SendCommand(int id) override {
         log(QStringLiteral("SendCommand:%1").arg(id));
         if (id == CmdPlay && playlistLength > 0)
             raw = RawPlaying;
-        else if (id == CmdPause && raw != RawStopped)
-            raw = raw == RawPaused ? RawPlaying : RawPaused;
         else if (id == CmdStop)
             raw = RawStopped;
         // CmdFadeStop: the fade runs until the test says it has ended.
@@ -69,85 +67,62 @@ public:
         log("removeAudioFilter:" + label);
         filters.remove(label);
     }
-
-private:
-    void log(const QString& s) { m_journal.append(s); }
-    QStringList& m_journal;
 };
 
-class FakeQueue : public QueueAccess {
+class FakeQueue : public QueueAccess, Journaled {
 public:
-    explicit FakeQueue(QStringList& journal) : m_journal(journal) {}
+    explicit FakeQueue(QStringList& j) : Journaled{j} {}
     QList<SelectedSong> rows;
     int selected = -1;
     int saves = 0;
 
     int rowCount() const override { return int(rows.size()); }
     SelectedSong detailsFromRow(int row) const override {
-        m_journal.append(QStringLiteral("GetDetailsFromRow:%1").arg(row));
+        log(QStringLiteral("GetDetailsFromRow:%1").arg(row));
         return rows.value(row);
     }
     int selectedRow() const override { return selected; }
     void removeRow(int row) override {
-        m_journal.append(QStringLiteral("removeRow:%1").arg(row));
+        log(QStringLiteral("removeRow:%1").arg(row));
         rows.removeAt(row);
     }
     void saveQueue() override {
-        m_journal.append(QStringLiteral("saveQueue"));
+        log("saveQueue");
         ++saves;
     }
-
-private:
-    QStringList& m_journal;
 };
 
-class FakeView : public NowPlayingView {
+class FakeView : public NowPlayingView, Journaled {
 public:
-    explicit FakeView(QStringList& journal) : m_journal(journal) {}
-    QString performer, artist, title, total = "00:00", remaining = "00:00", key = "0";
+    explicit FakeView(QStringList& j) : Journaled{j} {}
+    QString performer, key = "0";
 
     void showCurrentSong(const QString& p, const QString& a, const QString& t) override {
         performer = p;
-        artist = a;
-        title = t;
-        m_journal.append("showCurrentSong:" + p + "|" + a + "|" + t);
+        log("showCurrentSong:" + p + "|" + a + "|" + t);
     }
-    void showClock(const QString& t, const QString& r) override {
-        total = t;
-        remaining = r;
-    }
+    void showClock(const QString&, const QString&) override {}
     QString keyCaption() const override { return key; }
     void setKeyCaption(const QString& c) override {
         key = c;
-        m_journal.append("setKeyCaption:" + c);
+        log("setKeyCaption:" + c);
     }
-
-private:
-    QStringList& m_journal;
 };
 
-class FakeAnnouncer : public AnnouncementSink {
-public:
-    explicit FakeAnnouncer(QStringList& journal) : m_journal(journal) {}
-    void UpdateNextPerformer() override { m_journal.append("UpdateNextPerformer"); }
-    void ClearNextPerformer() override { m_journal.append("ClearNextPerformer"); }
-
-private:
-    QStringList& m_journal;
+struct FakeAnnouncer : AnnouncementSink, Journaled {
+    explicit FakeAnnouncer(QStringList& j) : Journaled{j} {}
+    void UpdateNextPerformer() override { log("UpdateNextPerformer"); }
+    void ClearNextPerformer() override { log("ClearNextPerformer"); }
 };
 
-class FakeJingles : public JingleAccess {
-public:
-    explicit FakeJingles(QStringList& journal) : m_journal(journal) {}
+struct FakeJingles : JingleAccess, Journaled {
+    explicit FakeJingles(QStringList& j) : Journaled{j} {}
     int state = 0;
     int playerState() override { return state; }
     void stop() override {
-        m_journal.append("jingleStop");
+        log("jingleStop");
         state = 3;
     }
-
-private:
-    QStringList& m_journal;
 };
 
 inline SelectedSong song(const QString& performer, const QString& path, int key = 0,
