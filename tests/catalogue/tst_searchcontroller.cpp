@@ -14,7 +14,6 @@
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
-#include <QVBoxLayout>
 #include <memory>
 
 namespace {
@@ -25,37 +24,14 @@ struct SearchFrame {
     QWidget window;
     QLineEdit* txtSearch = new QLineEdit(&window);
     QLineEdit* txtOther = new QLineEdit(&window);
-    QPushButton* btnSearch = new QPushButton(QStringLiteral("Search"), &window);
-    QPushButton* btnClearSearch = new QPushButton(QStringLiteral("&Clear"), &window);
     QTableView* olvSearchResults = new QTableView(&window);
     QTimer* tmrSearch = new QTimer(&window);
-    std::unique_ptr<SearchController> search;
+    std::unique_ptr<SearchController> search = std::make_unique<SearchController>(SearchWidgets{
+        txtSearch, new QPushButton(&window), new QPushButton(&window), olvSearchResults, tmrSearch});
 
-    SearchFrame() {
-        txtSearch->setObjectName(QStringLiteral("txtSearch"));
-        txtOther->setObjectName(QStringLiteral("txtOther"));
-        auto* layout = new QVBoxLayout(&window);
-        for (QWidget* w : std::initializer_list<QWidget*>{txtSearch, txtOther, btnSearch, btnClearSearch,
-                                                          olvSearchResults})
-            layout->addWidget(w);
-        window.resize(700, 500);
-        tmrSearch->setInterval(500);
-        search = std::make_unique<SearchController>(
-            SearchWidgets{txtSearch, btnSearch, btnClearSearch, olvSearchResults, tmrSearch});
-    }
+    SearchFrame() { txtSearch->setObjectName(QStringLiteral("txtSearch")); } // the key hook looks for the name
     ~SearchFrame() { search.reset(); }
-
     int rows() const { return search->model()->rowCount(); }
-    QList<qint64> ids() const {
-        QList<qint64> found;
-        for (int r = 0; r < rows(); ++r)
-            found << search->GetSelectedSong(r);
-        return found;
-    }
-    void searchFor(const QString& text) {
-        txtSearch->setText(text);
-        search->FilterIt();
-    }
     bool showAndFocus(QWidget* w) {
         window.show();
         QApplication::setActiveWindow(&window);
@@ -79,8 +55,6 @@ class TestSearchController : public QObject {
     std::unique_ptr<TestWorkspace> m_ws;
     QList<qint64> m_ids;
     std::unique_ptr<SearchFrame> m_f;
-
-    int errorBoxes() const { return m_boxes->countTitle(QStringLiteral("Korvane Error")); }
 
 private slots:
     void init() {
@@ -141,8 +115,8 @@ private slots:
         else
             m_f->search->tmrSearch_Timer();
         QTEST(m_f->rows(), "rows");
-        if (m_f->rows() < 6)
-            QVERIFY(!m_f->ids().contains(m_ids[4]));
+        for (int r = 0; m_f->rows() < 6 && r < m_f->rows(); ++r)
+            QVERIFY(m_f->search->GetSelectedSong(r) != m_ids[4]);
         QCOMPARE(TestWorkspace::errorLogRecords(), 0);
     }
 
@@ -173,8 +147,7 @@ private slots:
         m_f->txtSearch->setCursorPosition(1);
         m_f->tmrSearch->stop();
         int code = key;
-        int state = shift;
-        m_f->search->oKeyboard_KeyDown(code, state);
+        m_f->search->oKeyboard_KeyDown(code, shift);
         QCOMPARE(code, keyAfter);
         QTEST(m_f->txtSearch->text(), "text");
         QTEST(m_f->tmrSearch->isActive(), "timer");
@@ -188,11 +161,10 @@ private slots:
     void failingQueryIsLoggedQuietly() {
         m_f->search->LoadAllSongs();
         CloseDatabase();
-        m_f->searchFor(QStringLiteral("abba"));
-        QCOMPARE(TestWorkspace::errorLogRecords(), 1);
-        QVERIFY(TestWorkspace::errorLog().contains(QStringLiteral("KvApp.frmMain.FilterIt")));
-        QCOMPARE(errorBoxes(), 0);
-        QCOMPARE(m_f->rows(), 0);
+        m_f->txtSearch->setText(QStringLiteral("abba"));
+        m_f->search->FilterIt();
+        QCOMPARE(TestWorkspace::errorLog().count(QStringLiteral("KvApp.frmMain.FilterIt")), 1);
+        QCOMPARE(m_boxes->countTitle(QStringLiteral("Korvane Error")) + m_f->rows(), 0);
         QVERIFY(!m_f->search->list()->updateHold());
         QVERIFY(OpenDatabase());
     }

@@ -66,44 +66,14 @@ private slots:
         QCOMPARE(readAll(m_path), file); // a read changes nothing
     }
 
-    void failures_data() {
-        QTest::addColumn<int>("op");
-        QTest::addColumn<bool>("fileExists");
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<qint32>("expected");
-        // op: 0 read text, 2 save text, 4 delete key, 8 set the key as the file name
-        const QString s = QStringLiteral("Settings"), k = QStringLiteral("K");
-        QTest::newRow("read missing file") << 0 << false << s << k << CIniFile::kFileNotFound;
-        QTest::newRow("write empty section") << 2 << true << QString() << k << CIniFile::kInvalidSection;
-        QTest::newRow("write empty key") << 2 << true << s << QString() << CIniFile::kInvalidKey;
-        QTest::newRow("empty file name") << 8 << true << s << QString() << CIniFile::kInvalidFileName;
-    }
     void failures() {
-        QFETCH(int, op);
-        QFETCH(bool, fileExists);
-        QFETCH(QString, section);
-        QFETCH(QString, key);
-        QFETCH(qint32, expected);
-        if (fileExists)
-            writeAll(m_path, "[Settings]\nK=1\n");
-        const qint32 got = raised([&] {
-            switch (op) {
-            case 0:
-                m_ini.GetStringValue(section, key, {});
-                break;
-            case 2:
-                m_ini.SaveStringValue(section, key, QStringLiteral("v"));
-                break;
-            case 4:
-                m_ini.DeleteKey(section, key);
-                break;
-            case 8:
-                m_ini.setFileName(key);
-                break;
-            }
-        });
-        QCOMPARE(got, expected);
+        const QString k = QStringLiteral("K"), v = QStringLiteral("v");
+        QCOMPARE(raised([&] { m_ini.GetStringValue(QStringLiteral("Settings"), k, {}); }), CIniFile::kFileNotFound);
+        writeAll(m_path, "[Settings]\nK=1\n");
+        QCOMPARE(raised([&] { m_ini.SaveStringValue({}, k, v); }), CIniFile::kInvalidSection);
+        QCOMPARE(raised([&] { m_ini.SaveStringValue(QStringLiteral("Settings"), {}, v); }), CIniFile::kInvalidKey);
+        QCOMPARE(raised([&] { m_ini.setFileName({}); }), CIniFile::kInvalidFileName);
+        QCOMPARE(readAll(m_path), QByteArray("[Settings]\nK=1\n"));
     }
 
     void writesKeepOtherLinesInOrder_data() {
@@ -112,21 +82,17 @@ private slots:
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("value");
         QTest::addColumn<QByteArray>("after");
-        QTest::newRow("replace keeps spelling")
-            << QByteArray("; top\n[Settings]\nFONT=A\n; note\nB=2\n") << "settings"
-            << "Font"
-            << "X" << QByteArray("; top\n[Settings]\nFONT=X\n; note\nB=2\n");
-        QTest::newRow("append to section before blank")
-            << QByteArray("[Settings]\nA=1\n\n[Jingles]\nJ=2\n") << "Settings"
-            << "New"
-            << "v" << QByteArray("[Settings]\nA=1\nNew=v\n\n[Jingles]\nJ=2\n");
-        QTest::newRow("odd lines kept")
-            << QByteArray("garbage line\n[Settings]\nno equals here\n\xff\xfe=bytes\nA=1\n") << "Settings"
-            << "A"
-            << "2" << QByteArray("garbage line\n[Settings]\nno equals here\n\xff\xfe=bytes\nA=2\n");
-        QTest::newRow("line break folded") << QByteArray("[S]\n") << "S"
-                                           << "K"
-                                           << "a\nb" << QByteArray("[S]\nK=a b\n");
+        const auto row = [](const char* tag, const QByteArray& before, const char* section, const char* key,
+                            const char* value, const QByteArray& after) {
+            QTest::newRow(tag) << before << QString(section) << QString(key) << QString(value) << after;
+        };
+        row("replace keeps spelling", "; top\n[Settings]\nFONT=A\n; note\nB=2\n", "settings", "Font", "X",
+            "; top\n[Settings]\nFONT=X\n; note\nB=2\n");
+        row("append to section before blank", "[Settings]\nA=1\n\n[Jingles]\nJ=2\n", "Settings", "New", "v",
+            "[Settings]\nA=1\nNew=v\n\n[Jingles]\nJ=2\n");
+        row("odd lines kept", "garbage line\n[Settings]\nno equals here\n\xff\xfe=bytes\nA=1\n", "Settings", "A",
+            "2", "garbage line\n[Settings]\nno equals here\n\xff\xfe=bytes\nA=2\n");
+        row("line break folded", "[S]\n", "S", "K", "a\nb", "[S]\nK=a b\n");
     }
     void writesKeepOtherLinesInOrder() {
         QFETCH(QByteArray, before);

@@ -44,13 +44,6 @@ private slots:
         QCOMPARE(p.countTitle("Korvane Error"), 2);
     }
 
-    void unwritableLogFallsToCaller() {
-        TestWorkspace ws(false);
-        ScriptedPrompts p;
-        QDir().mkpath(WorkingFolder + "KVError.log"); // a folder where the log should be
-        QVERIFY_THROWS_EXCEPTION(KvError, LogError("x", "y", 1));
-        QCOMPARE(p.calls.size(), 0);
-    }
 };
 
 KV_TEST_CLASS(TestErrorLog)

@@ -96,15 +96,6 @@ private slots:
         QVERIFY(catalogue(QStringLiteral("ArtistName")).contains(QStringLiteral("It's \"Quoted\"")));
     }
 
-    // A file given as the folder is refused with a box, and nothing runs.
-    void invalidFolder() {
-        touch(tree(QStringLiteral("A - B.zip")));
-        m_run->GetTracks(tree(QStringLiteral("A - B.zip")), 1);
-        QCOMPARE(m_prompts->boxTitles(), QStringList{QStringLiteral("Invalid Folder")});
-        QCOMPARE(trackCount(), 0);
-        QVERIFY(!m_run->ImportRunning);
-    }
-
     // A cancel before the first 3000 rolls back every row of the run, yet the
     // label counts what had been inserted.
     void cancelRollsBackOpenBatch_data() {

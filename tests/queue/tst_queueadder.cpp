@@ -85,16 +85,6 @@ private slots:
         QCOMPARE(TestWorkspace::errorLogRecords(), 0);
     }
 
-    // A song deleted under the search results: told, logged, no row.
-    void unknownIdAddsNoRow() {
-        m_dialogs.ok(QStringLiteral("Ann"), 0);
-        m_adder->AddSongToQueue(424242);
-        QCOMPARE(m_model->rowCount(), 0);
-        QCOMPARE(TestWorkspace::errorLogRecords(), 1);
-        QVERIFY(TestWorkspace::errorLog().contains(QStringLiteral("424242")));
-        QCOMPARE(m_hook.calls, QStringList({"release", "create"}));
-    }
-
     // None marked: the host is told and nothing is added; otherwise one of the
     // marked songs joins the queue and it is saved.
     void kamikaze() {

@@ -54,14 +54,6 @@ private slots:
         QTEST(SingerNames, "array");
     }
 
-    void loadFailureIsLogged() {
-        ExecuteSql(QStringLiteral("DROP TABLE tblKaraokeTrackHistory"));
-        InitSingerNames(QStringLiteral("Def"));
-        LoadSingerNames();
-        QCOMPARE(SingerNames, QStringList({"", "Def", ""}));
-        QCOMPARE(TestWorkspace::errorLogRecords(), 1);
-    }
-
     void properCase_data() {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("expected");

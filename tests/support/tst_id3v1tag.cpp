@@ -122,17 +122,6 @@ private slots:
         QCOMPARE(f.readAll(), audio);
     }
 
-    // Numbers past the list, and names not in it, fall back rather than fail.
-    void genres() {
-        clsID3v1Tag tag;
-        for (const auto& [number, name] :
-             {std::pair{0, "Blues"}, {147, "Synthpop"}, {148, "Unknown"}, {255, ""}}) {
-            tag.Genre = quint8(number);
-            QCOMPARE(tag.GenreString(), QString::fromLatin1(name));
-        }
-        tag.setGenreString(QStringLiteral("rock")); // names match case and all
-        QCOMPARE(int(tag.Genre), 255);
-    }
 };
 
 KV_TEST_CLASS(TestId3v1Tag)

@@ -6,6 +6,7 @@
 #include "core/errorlog.h"
 #include "core/globals.h"
 #include "core/workingfolder.h"
+#include "playbackmedia.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -31,11 +32,25 @@ TestWorkspace::~TestWorkspace() {
 
 void TestWorkspace::wipe() {
     CloseDatabase();
-    const QString working = cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder());
-    QDir(working).removeRecursively();
+    QDir(workingFolder()).removeRecursively();
     QDir docs(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     for (const QString& f : docs.entryList(QDir::Files))
         docs.remove(f);
+}
+
+QString TestWorkspace::workingFolder() {
+    return cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder()) + QLatin1Char('/');
+}
+
+void TestWorkspace::seedWithQuietPlayer() {
+    QDir().mkpath(workingFolder());
+    QFile::copy(cApplicationPaths::installFolder() + "settings.ini", workingFolder() + "settings.ini");
+    QFile::setPermissions(workingFolder() + "settings.ini", QFile::ReadOwner | QFile::WriteOwner);
+    CIniFile ini;
+    ini.setFileName(workingFolder() + "settings.ini");
+    ini.SaveStringValue("Settings", "WinAmpPath",
+                        playbackmedia::writePlayerWrapper(
+                            QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)));
 }
 
 QString TestWorkspace::dataFolder() const { return WorkingFolder; }

@@ -27,4 +27,9 @@ public:
 
     // Removes every file the working folder and the documents folder hold.
     static void wipe();
+    // The working folder as start-up finds it, with a trailing separator.
+    static QString workingFolder();
+    // A working folder seeded with the settings template only, its player the
+    // real one without sound or picture; the catalogue is left to start-up.
+    static void seedWithQuietPlayer();
 };
