@@ -1,7 +1,6 @@
 #include "catalogue/database.h"
 #include "catalogue/searchresultsmodel.h"
 #include "catalogue/songsearch.h"
-#include "core/kverror.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
 #include "workspace.h"
@@ -62,23 +61,6 @@ private slots:
         for (int r = 0; r < 600; ++r)
             QCOMPARE(model.data(model.index(r, 1)).toString().mid(7),
                      QStringLiteral("%1").arg(r, 4, 10, QLatin1Char('0')));
-    }
-
-    void cellsAndRowEdits() {
-        TestWorkspace ws;
-        const auto ids = ws.addSongs(
-            {QStringLiteral("Zoë - Über"), QStringLiteral("ABBA - Waterloo"), QStringLiteral("C - Three")});
-        SearchResultsModel model;
-        model.load(dbConnection(), SongSearch::loadAllSql());
-        QCOMPARE(model.trackId(0), ids[1]);
-        QCOMPARE(model.data(model.index(2, 1)).toString(), QStringLiteral("Zoë"));
-        QCOMPARE(model.data(model.index(2, 2)).toString(), QStringLiteral("Über"));
-        QCOMPARE(model.trackId(2), ids[0]);
-        model.removeTrackRow(0);
-        QCOMPARE(model.rowCount(), 2);
-        QCOMPARE(model.trackId(0), ids[2]);
-        QVERIFY_THROWS_EXCEPTION(KvError, model.trackId(-1));
-        QVERIFY_THROWS_EXCEPTION(KvError, model.trackId(2));
     }
 
     // The catalogue may close under an open list (a compaction): the list keeps

@@ -29,16 +29,6 @@ private slots:
     void init() { TestWorkspace::wipe(); }
     void cleanup() { TestWorkspace::wipe(); }
 
-    // Where the host's files live: moving any of them would lose them.
-    void propertiesHangTogether() {
-        cApplicationPaths p;
-        const QString data = qEnvironmentVariable("XDG_DATA_HOME") + "/Tessaly Works Limited/Korvane";
-        QCOMPARE(p.ApplicationDataPath(), data);
-        QCOMPARE(p.ApplicationDatabaseFile(), data + "/kvsonglist.mdb");
-        QCOMPARE(p.CompactedDatabase(), data + "/kvSongListTemp.mdb");
-        QCOMPARE(p.ApplicationSongTempPath(), data + "/Temp/");
-    }
-
     // The first start seeds the working folder; later ones copy only a template
     // that has gone missing, and never replace or touch the host's own files.
     void firstStartSeedsLaterOnesFillGaps() {

@@ -35,15 +35,6 @@ private slots:
         m_ws.reset();
     }
 
-    void loadState() {
-        m_ws->addSongs({QStringLiteral("A - B"), QStringLiteral("C - D")});
-        frmImportSongs form;
-        // The list's order is not the conventions' numbering: it opens on number 2.
-        QCOMPARE(form.selectedConvention(), 2);
-        form.cdoFileConvention->setCurrentIndex(6);
-        QCOMPARE(form.selectedConvention(), 4);
-    }
-
     void closeRefusedWhileRunning() {
         frmImportSongs form;
         form.show();

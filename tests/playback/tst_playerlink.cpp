@@ -27,10 +27,6 @@ QJsonValue prop(WinAMP_Control& link, const char* name) {
     return link.connection().property(QString::fromLatin1(name)).value_or(QJsonValue());
 }
 
-bool loopOn(const QJsonValue& v) {
-    return v.isString() ? v.toString() != "no" : v.toBool();
-}
-
 } // namespace
 
 // The link against a real player, started once for the class.
@@ -159,16 +155,6 @@ private slots:
                  qPrintable(QString::number(prop(*m_link, "time-pos").toDouble())));
         QCOMPARE(m_link->GetLengthSeconds(), 8);
         m_link->SendCommand(PlayerLink::CmdStop);
-    }
-
-    // Repeat or shuffle left on would loop the song or play another.
-    void repeatAndShuffleAreSwitchedOff() {
-        m_link->connection().setProperty("loop-playlist", "inf");
-        m_link->connection().setProperty("shuffle", true);
-        m_link->DisableRepeat();
-        m_link->DisableShuffle();
-        QVERIFY(!loopOn(prop(*m_link, "loop-playlist")));
-        QCOMPARE(prop(*m_link, "shuffle").toBool(), false);
     }
 
     // A key set before the song loads holds for it, and a reset leaves no filter.

@@ -18,24 +18,17 @@ int ScriptedPrompts::countTitle(const QString& title) const { return int(boxTitl
 int ScriptedPrompts::msgBox(const QString& text, int style, const QString& title) {
     calls.append({QStringLiteral("msgBox"), title, text, style});
     const QVariant a = next();
-    if (a.isValid())
-        return a.toInt();
-    return firstButton(style);
+    return a.isValid() ? a.toInt() : firstButton(style);
 }
 
+// No test answers the input box or the choosers: each is recorded and cancelled.
 std::optional<QString> ScriptedPrompts::inputBox(const QString& text, const QString& title, const QString&) {
-    calls.append({QStringLiteral("inputBox"), title, text, 0});
-    const QVariant a = next();
-    if (!a.isValid())
-        return std::nullopt;
-    return a.toString();
+    return nextText(QStringLiteral("inputBox"), title, text), std::nullopt;
 }
-
 QString ScriptedPrompts::nextText(const QString& kind, const QString& title, const QString& text) {
     calls.append({kind, title, text, 0});
-    return next().toString();
+    return {};
 }
-
 QString ScriptedPrompts::openFile(const QString& title, const QString& folder, const QString&) {
     return nextText(QStringLiteral("openFile"), title, folder);
 }
@@ -46,16 +39,8 @@ QString ScriptedPrompts::chooseFolder(const QString& title, const QString& folde
     return nextText(QStringLiteral("chooseFolder"), title, folder);
 }
 std::optional<QColor> ScriptedPrompts::chooseColor(const QColor&) {
-    calls.append({QStringLiteral("chooseColor"), {}, {}, 0});
-    const QVariant a = next();
-    if (!a.isValid())
-        return std::nullopt;
-    return a.value<QColor>();
+    return nextText(QStringLiteral("chooseColor"), {}, {}), std::nullopt;
 }
 std::optional<QFont> ScriptedPrompts::chooseFont(const QFont&) {
-    calls.append({QStringLiteral("chooseFont"), {}, {}, 0});
-    const QVariant a = next();
-    if (!a.isValid())
-        return std::nullopt;
-    return a.value<QFont>();
+    return nextText(QStringLiteral("chooseFont"), {}, {}), std::nullopt;
 }

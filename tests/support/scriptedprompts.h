@@ -23,8 +23,7 @@ public:
     ScriptedPrompts();
     ~ScriptedPrompts() override;
 
-    // Queue answers: a button number for a box, a text (or a null QVariant for
-    // cancel) for an input box or a chooser, a QColor or QFont for those dialogs.
+    // Queue a button number for the next message box.
     void answer(const QVariant& a) { m_answers.enqueue(a); }
 
     QList<Call> calls;

@@ -80,21 +80,6 @@ private slots:
               "fields");
     }
 
-    // A vanished file, a folder or no name: refused, and nothing is created.
-    void missingFileIsInvalid() {
-        const QString vanished = m_dir.filePath(QStringLiteral("vanished.mp3"));
-        for (const QString& name : {vanished, m_dir.path(), QString()}) {
-            clsID3v1Tag tag;
-            tag.FileName = name;
-            QVERIFY(!tag.ReadTag());
-            QCOMPARE(tag.LastError().number(), clsID3v1Tag::kInvalidFile);
-            QVERIFY(!tag.WriteTag());
-            QVERIFY(!tag.RemoveTag());
-            QCOMPARE(tag.LastError().number(), clsID3v1Tag::kInvalidFile);
-        }
-        QVERIFY(!QFileInfo::exists(vanished));
-    }
-
     // Write, read back, remove: the audio before the tag is never touched.
     void writeReadRemove() {
         const QByteArray audio(1000, 'a');
