@@ -3,6 +3,7 @@
 #include "core/globals.h"
 #include "fakeplayback.h"
 #include "playback/cencryptex.h"
+#include "playback/playerprocess.h"
 #include "playback/playerstartup.h"
 #include "playback/winamp_control.h"
 #include "playbackmedia.h"
@@ -10,12 +11,15 @@
 #include "testrunner.h"
 #include "workspace.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
+#include <cstdio>
 #include <memory>
 #include <unistd.h>
 
@@ -30,6 +34,29 @@ bool processGone(qint64 pid) {
     QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
     return stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") Z ");
 }
+
+// When this executable is started with KV_PLAYER_HELPER set, it is not a test
+// run: it starts a player the way the program does, prints the player's
+// process id and waits to be killed. It runs before main() and touches none
+// of the program's globals.
+struct PlayerHelperMode {
+    PlayerHelperMode() {
+        const QByteArray player = qgetenv("KV_PLAYER_HELPER");
+        if (player.isEmpty())
+            return;
+        int argc = 1;
+        char name[] = "player-helper";
+        char* argv[] = {name, nullptr};
+        QCoreApplication app(argc, argv);
+        PlayerProcess process;
+        if (process.start(QString::fromLocal8Bit(player), {QStringLiteral("--idle=yes")}) < 0)
+            ::_exit(3);
+        std::printf("%lld\n", static_cast<long long>(process.processId()));
+        std::fflush(stdout);
+        for (;;)
+            ::pause();
+    }
+} playerHelperMode;
 
 } // namespace
 
@@ -118,6 +145,22 @@ private slots:
 
     // The queue is restored even when no player is set; the player found at
     // start-up is made ready, and ended at shutdown, once.
+    // A program that crashes must not leave its player behind.
+    void playerDiesWithTheProgram() {
+        QProcess helper;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("KV_PLAYER_HELPER", m_wrapper);
+        helper.setProcessEnvironment(env);
+        helper.start(QCoreApplication::applicationFilePath(), {});
+        QVERIFY(helper.waitForStarted());
+        QVERIFY(helper.waitForReadyRead(10000));
+        const qint64 player = helper.readLine().trimmed().toLongLong();
+        QVERIFY(player > 0 && !processGone(player));
+        ::kill(pid_t(helper.processId()), SIGKILL);
+        QVERIFY(helper.waitForFinished(5000));
+        QTRY_VERIFY_WITH_TIMEOUT(processGone(player), 10000);
+    }
+
     void startupAndShutdown() {
         bool restored = false;
         const auto say = [](const QString&) {};

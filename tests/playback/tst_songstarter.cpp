@@ -5,6 +5,7 @@
 #include "fakeplayback.h"
 #include "playback/cencryptex.h"
 #include "playback/songstarter.h"
+#include "playback/songunpacker.h"
 #include "playbackmedia.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
@@ -31,6 +32,14 @@ int historyRows() {
 
 QStringList tempFiles() {
     return QDir(SongStarter::unpackFolder()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+}
+
+// A zip whose central directory declares `declared` bytes for its first entry.
+QByteArray withDeclaredSize(QByteArray zip, quint32 declared) {
+    const qsizetype at = zip.indexOf(QByteArray("PK\x01\x02", 4));
+    for (int i = 0; at >= 0 && i < 4; ++i)
+        zip[at + 24 + i] = char((declared >> (8 * i)) & 0xFF);
+    return zip;
 }
 
 } // namespace
@@ -162,6 +171,9 @@ private slots:
         QTest::newRow("password wrong") << "Locked.zip" << locked << "not it" << unzipError << "" << 0;
         QTest::newRow("not a zip at all")
             << "Bad.zip" << QByteArray(3000, 'q') << "" << unzipError << "" << 1000 + ZIP_ER_NOZIP;
+        // An archive that claims gigabytes is refused before anything is unpacked.
+        QTest::newRow("absurd declared size") << "Bad.zip" << withDeclaredSize(good, 0xFFFFFFF0u) << ""
+                                              << unzipError << "" << int(SongUnpacker::TooLarge);
         QTest::newRow("damaged data") << "Bad.zip" << damaged << "" << unzipError << "" << 1000 + ZIP_ER_CRC;
     }
     void archives() {

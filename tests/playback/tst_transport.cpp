@@ -1,5 +1,6 @@
 #include "core/appsettings.h"
 #include "fakeplayback.h"
+#include "playback/cdgnormaliser.h"
 #include "playback/keycontrol.h"
 #include "playback/modpacemaker.h"
 #include "playback/transport.h"
@@ -165,6 +166,32 @@ private slots:
                  m_rig->view.key == "0" ? QString() : modPacemaker::pitchFilter(m_rig->view.key.toInt()));
     }
 
+    // The CD+G copy that starts the clock at the first packet: leading empty
+    // packets become do-nothing commands, a broken tail is kept.
+    void cdgNormalise_data() {
+        QTest::addColumn<QByteArray>("in");
+        QTest::addColumn<QList<int>>("neutralised"); // packet indexes
+        const QByteArray empty = packet(0), junk = packet(0x13), cmd = packet(0x09, 0x01);
+        QTest::newRow("leading empties") << (empty + junk + empty + cmd + empty) << QList<int>{0, 1, 2};
+        QTest::newRow("all empty") << (empty + empty) << QList<int>{0, 1};
+        QTest::newRow("partial packet at the end kept") << (cmd + QByteArray(10, '\0')) << QList<int>{};
+    }
+    void cdgNormalise() {
+        QFETCH(QByteArray, in);
+        QFETCH(QList<int>, neutralised);
+        QByteArray expected = in;
+        for (int i : neutralised)
+            expected.replace(i * 24, 24, packet(0x09));
+        QCOMPARE(CdgNormaliser::normalise(in), expected);
+    }
+
+private:
+    static QByteArray packet(char command, char instruction = 0) {
+        QByteArray p(24, '\0');
+        p[0] = command;
+        p[1] = instruction;
+        return p;
+    }
 };
 
 KV_TEST_CLASS(TestTransport)
