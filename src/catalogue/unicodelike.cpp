@@ -260,8 +260,8 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
         kept = nullptr;
     std::unique_ptr<CompiledPattern> fresh;
     if (!kept) {
-        const auto* patternText = sqlite3_value_text(argv[0]);
-        const int patternBytes = sqlite3_value_bytes(argv[0]);
+        const unsigned char* patternText = sqlite3_value_text(argv[0]);
+        const int patternBytes = patternText ? sqlite3_value_bytes(argv[0]) : 0;
         if (patternBytes > sqlite3_limit(sqlite3_context_db_handle(ctx), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1)) {
             sqlite3_result_error(ctx, "LIKE or GLOB pattern too complex", -1);
             return;
@@ -269,8 +269,10 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
         fresh = std::make_unique<CompiledPattern>(compile(patternText, patternBytes, escape, hasEscape));
     }
     const CompiledPattern& pattern = kept ? *kept : *fresh;
-    const auto* textBytes = sqlite3_value_text(argv[1]);
+    const unsigned char* textBytes = sqlite3_value_text(argv[1]);
     const int textLength = sqlite3_value_bytes(argv[1]);
+    if (!textBytes) // an empty blob may give no pointer at all
+        textBytes = reinterpret_cast<const unsigned char*>("");
     int result = pattern.neverMatches ? 0 : pattern.plainAscii ? plainMatch(pattern, textBytes, textLength) : -1;
     if (result < 0) {
         thread_local std::vector<char32_t> text;
