@@ -10,6 +10,7 @@
 #include "show.h"
 
 #include <QCheckBox>
+#include <QLabel>
 
 namespace {
 
@@ -36,6 +37,20 @@ void annaSings(Show& show) {
     show.expectPlayer(QStringLiteral("PAUSED"), {pausedAt, pausedAt});
     show.click(QStringLiteral("btnPause"));
     show.expectSongGoesOnFrom(pausedAt);
+    // The clock shows the song's length and counts the time left down.
+    show.expectSoon(
+        [&] {
+            const QString total = show.window().lblTotalTime->text();
+            const QString left = show.window().lblPosition->text();
+            return (total == QLatin1String("0:12") || total == QLatin1String("0:11")) && left < total &&
+                   left.startsWith(QLatin1String("0:"));
+        },
+        QStringLiteral("the clock at 0:12 in all, counting down"),
+        [&] {
+            return show.window().lblTotalTime->text() + QStringLiteral(", ") +
+                   show.window().lblPosition->text();
+        },
+        3000);
 
     // One semitone up, mid-song.
     const int keyAt = show.position();
@@ -50,6 +65,9 @@ void annaSings(Show& show) {
     show.expectStage(cast::anna(-1));
     show.expectQueue(waiting);
     show.expectHistory({cast::anna()});
+    show.shot(QStringLiteral("anna-goes-on"),
+              QStringLiteral("After a pause, a key change and a frozen player, Anna's "
+                             "song goes on, one semitone down."));
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 #include "screens/frmmain.h"
 #include "show.h"
 
-#include <QElapsedTimer>
 #include <QTableView>
 
 namespace {
@@ -15,16 +14,20 @@ void aSongIsSearchedFor(Show& show) {
     show.expect(show.searchResults().isEmpty(),
                 QStringLiteral("an empty result list before the first search"));
     show.type(QStringLiteral("txtSearch"), QStringLiteral("harbour"));
-    QElapsedTimer sinceLastKey;
-    sinceLastKey.start();
     show.expect(show.searchResults().isEmpty(), QStringLiteral("no search while the host is still typing"));
-    show.expectSoon([&] { return show.searchResults().size() == expected.size(); },
-                    QStringLiteral("%1 songs found for \"harbour\"").arg(expected.size()),
-                    [&] { return QStringLiteral("%1 rows").arg(show.searchResults().size()); });
-    // The search timer waits 500 ms after the last key; it can run late, never early.
-    show.expect(sinceLastKey.elapsed() >= 450,
-                QStringLiteral("the list to wait for the search timer (it came after %1 ms)")
-                    .arg(sinceLastKey.elapsed()));
+    qint64 listedAfter = 0;
+    show.expectSoon(
+        [&] {
+            listedAfter = show.sinceLastKey();
+            return show.searchResults().size() == expected.size();
+        },
+        QStringLiteral("%1 songs found for \"harbour\"").arg(expected.size()),
+        [&] { return QStringLiteral("%1 rows").arg(show.searchResults().size()); });
+    // The search waits 500 ms after the last key: a timer may strike late, and
+    // at most 5% early.
+    show.expect(listedAfter >= 475,
+                QStringLiteral("the list to wait for the search timer (it came %1 ms after the last key)")
+                    .arg(listedAfter));
     QStringList titles;
     for (const QStringList& row : show.searchResults())
         titles << row.value(1);

@@ -111,6 +111,8 @@ public:
     void freezePlayer(int ms, Where where = Where::current());
 
     // ---- readings
+    // Milliseconds since type() pressed its last key.
+    qint64 sinceLastKey() const { return m_lastKey.elapsed(); }
     // The text a control shows: a label, a text box or a button's caption.
     QString textOf(QWidget& in, const QString& control, Where where = Where::current());
     // The search results as the list shows them: artist, title, disc and number of each row.
@@ -193,4 +195,5 @@ private:
     QStringList m_index;
     int m_shots = 0;
     QElapsedTimer m_clock;
+    QElapsedTimer m_lastKey;
 };
