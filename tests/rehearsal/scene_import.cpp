@@ -11,6 +11,9 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QFile>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
 #include <QTimer>
 
 #include <sys/stat.h>
@@ -18,20 +21,25 @@
 namespace {
 
 // What the import screen shows while a run goes on, sampled each time the run
-// lets the screen breathe.
+// lets the screen breathe. (It reads the controls directly: a timer's slot is
+// no place for a step that may throw.)
 struct RunWatch {
-    explicit RunWatch(Show& show, QDialog& d) {
+    explicit RunWatch(QDialog& d)
+        : status(d.findChild<QLabel*>(QStringLiteral("lblImportStatus"))),
+          button(d.findChild<QPushButton*>(QStringLiteral("btnGetTracks"))) {
         sampler.setInterval(0);
-        QObject::connect(&sampler, &QTimer::timeout, [&show, &d, this] {
-            const QString status = show.textOf(d, QStringLiteral("lblImportStatus"));
-            if (statuses.isEmpty() || statuses.last() != status)
-                statuses << status;
-            captions << show.textOf(d, QStringLiteral("btnGetTracks"));
+        QObject::connect(&sampler, &QTimer::timeout, [this] {
+            if (status && (statuses.isEmpty() || statuses.last() != status->text()))
+                statuses << status->text();
+            if (button)
+                captions << button->text();
             const QCursor* cursor = QApplication::overrideCursor();
             hourglass = hourglass || (cursor && cursor->shape() == Qt::WaitCursor);
         });
         sampler.start();
     }
+    QPointer<QLabel> status;
+    QPointer<QPushButton> button;
     QTimer sampler;
     QStringList statuses;
     QStringList captions;
@@ -54,7 +62,7 @@ void importFolder(Show& show, QDialog& d, const LibraryFolder& folder, int* tota
     const int songs = library.songsIn(folder.name);
     *total += songs;
     {
-        RunWatch watch(show, d);
+        RunWatch watch(d);
         show.click(d, QStringLiteral("btnGetTracks"));
         show.expect(
             watch.captions.contains(QStringLiteral("Cancel Import")) && watch.hourglass,

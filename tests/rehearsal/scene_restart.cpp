@@ -23,10 +23,17 @@ void falseStartsAndAStop(Show& show) {
     show.expectPlayer(QStringLiteral("PLAYING"), Span::atLeast(1));
     show.click(QStringLiteral("btnRestart"));
     show.click(QStringLiteral("btnStop"));
-    show.expectPlayer(QStringLiteral("STOPPED"));
+    const QString stopped = QStringLiteral("STOPPED");
+    show.expect(show.status() == stopped,
+                QStringLiteral("the player stopped by Stop, not %1").arg(show.status()));
     // Long enough for the restart's timer to have struck several times.
     show.wait(2000);
-    show.expectPlayer(QStringLiteral("STOPPED"));
+    const QString after = show.status();
+    show.expect(after == stopped,
+                QStringLiteral("the song to stay stopped: the restart pressed before Stop brought "
+                               "it back (%1 at %2 s)")
+                    .arg(after)
+                    .arg(show.position()));
     show.expectStage({QString(), QString(), QString(), 0});
     show.expectQueue(waiting);
     show.shot(QStringLiteral("stopped"),
