@@ -81,7 +81,6 @@ public:
     // ---- the program
     void startProgram(Where where = Where::current());
     void quitProgram(Where where = Where::current());
-    bool programRunning() const { return m_program != nullptr; }
     frmMain& window(Where where = Where::current());
     WinAMP_Control& player(Where where = Where::current());
 
