@@ -141,7 +141,8 @@ public:
     void expectPicture(const LibrarySong& song, Where where = Where::current());
     // The player's window is black.
     void expectBlackPlayer(Where where = Where::current());
-    // KVError.log entries that the script causes on purpose.
+    // A KVError.log entry that the script causes on purpose: one record
+    // matching `pattern` is allowed for each call.
     void allowLogEntry(const QRegularExpression& pattern) { m_allowedLog << pattern; }
     void expectCleanLog(Where where = Where::current());
     // No player process of this show is left.

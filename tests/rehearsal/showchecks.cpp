@@ -278,14 +278,17 @@ void Show::expectCleanLog(Where where) {
     const QString rule = QString(62, QLatin1Char('-')) + QLatin1Char('\n');
     const QStringList parts = QString::fromUtf8(f.readAll()).split(rule);
     QStringList unexpected;
+    QList<QRegularExpression> allowed = m_allowedLog;
     // Every record stands between two rules: the odd parts.
     for (int i = 1; i < parts.size(); i += 2) {
         const QString record = parts[i].trimmed().replace(QLatin1Char('\n'), QStringLiteral(" / "));
-        const bool allowed =
-            std::any_of(m_allowedLog.begin(), m_allowedLog.end(),
-                        [&](const QRegularExpression& p) { return p.match(record).hasMatch(); });
-        if (!allowed)
+        const auto cause = std::find_if(allowed.begin(), allowed.end(), [&](const QRegularExpression& p) {
+            return p.match(record).hasMatch();
+        });
+        if (cause == allowed.end())
             unexpected << record;
+        else
+            allowed.erase(cause); // each cause accounts for one record
     }
     if (!unexpected.isEmpty())
         fail(QStringLiteral("KVError.log holds entries the show did not cause: ") +
