@@ -22,6 +22,7 @@ void closingForTheNight(Show& show) {
     show.quitProgram();
     show.expectNoPlayerLeft();
     expectNoTempFiles(show);
+    show.expectCleanLog();
     show.shot(QStringLiteral("closed"), QStringLiteral("The console is closed, and the player with it."));
 }
 
