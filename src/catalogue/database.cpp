@@ -26,7 +26,9 @@ const QString kFailedTitle = QStringLiteral("Database connection failed");
 const QString kCompactSource = QStringLiteral("KvApp.frmMain.DatabaseCompact");
 const QString kOpenSource = QStringLiteral("KvApp.modMain.OpenDatabase");
 
-QString dataFolder() { return AddBackslash(oApplicationPaths->ApplicationDataPath()); }
+QString dataFolder() {
+    return AddBackslash(oApplicationPaths->ApplicationDataPath());
+}
 
 // Reads the first 100 bytes of a would-be catalogue and tells what is wrong
 // with it, or an empty text when it looks like a whole SQLite file.
@@ -51,7 +53,8 @@ QString headerProblem(const QString& path) {
     // The page count in the header is valid when its change counter matches,
     // and speaks for the file alone when no journal of an unfinished write
     // lies beside it (SQLite completes such a file from its journal).
-    const bool journal = QFile::exists(path + QStringLiteral("-wal")) || QFile::exists(path + QStringLiteral("-journal"));
+    const bool journal =
+        QFile::exists(path + QStringLiteral("-wal")) || QFile::exists(path + QStringLiteral("-journal"));
     if (!journal && pages != 0 && be32(24) == be32(92) && qint64(pages) * pageSize > size)
         return QStringLiteral("the file is cut short");
     return {};
@@ -64,11 +67,49 @@ void tellCannotOpen(const QString& path, const QString& reason) {
                      Prompts::Exclamation, kFailedTitle);
 }
 
-bool tableExists(QSqlDatabase& db, const QString& table) {
+bool schemaHas(QSqlDatabase& db, const QString& type, const QString& name) {
     QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name=? COLLATE NOCASE"));
-    q.addBindValue(table);
+    q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type=? AND name=? COLLATE NOCASE"));
+    q.addBindValue(type);
+    q.addBindValue(name);
     return q.exec() && q.next();
+}
+
+bool tableExists(QSqlDatabase& db, const QString& table) {
+    return schemaHas(db, QStringLiteral("table"), table);
+}
+
+// The triggers of the install folder's template, by name, with their SQL.
+QList<std::pair<QString, QString>> templateTriggers() {
+    QList<std::pair<QString, QString>> triggers;
+    const QByteArray path =
+        QFile::encodeName(cApplicationPaths::installFolder() + QStringLiteral("kvsonglist.mdb"));
+    sqlite3* db = nullptr;
+    if (sqlite3_open_v2(path.constData(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+        sqlite3_stmt* st = nullptr;
+        if (sqlite3_prepare_v2(db, "SELECT name, sql FROM sqlite_master WHERE type = 'trigger'", -1, &st,
+                               nullptr) == SQLITE_OK)
+            while (sqlite3_step(st) == SQLITE_ROW)
+                triggers.append(
+                    {QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(st, 0))),
+                     QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(st, 1)))});
+        sqlite3_finalize(st);
+    }
+    sqlite3_close(db);
+    return triggers;
+}
+
+// A catalogue made from an older template gets the triggers it lacks (the
+// Yes/No meaning of an INSERT came later than that of an UPDATE). A trigger
+// that cannot be made is logged; the catalogue works on without it.
+void addMissingTriggers(QSqlDatabase& db) {
+    for (const auto& [name, sql] : templateTriggers()) {
+        if (schemaHas(db, QStringLiteral("trigger"), name))
+            continue;
+        QSqlQuery q(db);
+        if (!q.exec(sql))
+            LogErrorQuietly(q.lastError().databaseText(), kOpenSource, 5);
+    }
 }
 
 // Syncs a file to disk, so that a compact copy is whole before its source goes.
@@ -86,7 +127,8 @@ void syncFile(const QString& path) {
 // cache that holds a catalogue of a hundred thousand songs whole, so that a
 // typed search does not read the file again.
 QString applyConnectionSettings(QSqlDatabase& db) {
-    for (const char* pragma : {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = FULL", "PRAGMA cache_size = -32768"}) {
+    for (const char* pragma :
+         {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = FULL", "PRAGMA cache_size = -32768"}) {
         QSqlQuery q(db);
         if (!q.exec(QString::fromLatin1(pragma)))
             return q.lastError().databaseText();
@@ -104,8 +146,12 @@ QString checkCatalogue(QSqlDatabase& db) {
         if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")))
             return probe.lastError().databaseText();
     } // no read may stay open while the journal mode changes
-    if (tableExists(db, QStringLiteral("tblKaraokeTracks")))
-        return applyConnectionSettings(db);
+    if (tableExists(db, QStringLiteral("tblKaraokeTracks"))) {
+        const QString problem = applyConnectionSettings(db);
+        if (problem.isEmpty())
+            addMissingTriggers(db);
+        return problem;
+    }
     // A catalogue of the old layout is opened as it is, to be refused by its
     // own check without a byte of it changed.
     if (tableExists(db, QStringLiteral("tblImport")))
@@ -132,9 +178,13 @@ namespace {
 quint64 g_generation = 0;
 }
 
-QSqlDatabase dbConnection() { return QSqlDatabase::database(kConnectionName, false); }
+QSqlDatabase dbConnection() {
+    return QSqlDatabase::database(kConnectionName, false);
+}
 
-quint64 ConnectionGeneration() { return g_generation; }
+quint64 ConnectionGeneration() {
+    return g_generation;
+}
 
 sqlite3* NativeHandle(const QSqlDatabase& db) {
     if (!db.isOpen())
@@ -145,7 +195,9 @@ sqlite3* NativeHandle(const QSqlDatabase& db) {
     return *static_cast<sqlite3* const*>(handle.constData());
 }
 
-bool IsDatabaseOpen() { return QSqlDatabase::contains(kConnectionName) && dbConnection().isOpen(); }
+bool IsDatabaseOpen() {
+    return QSqlDatabase::contains(kConnectionName) && dbConnection().isOpen();
+}
 
 void CloseDatabase() {
     if (!QSqlDatabase::contains(kConnectionName))
@@ -164,8 +216,9 @@ bool OpenDatabase() {
 
     const QString path = dataFolder() + QStringLiteral("kvsonglist.mdb");
     if (!FileExists(path)) {
-        prompts().msgBox(QStringLiteral("This application is not installed correctly, database does not exist"),
-                         Prompts::Exclamation, kFailedTitle);
+        prompts().msgBox(
+            QStringLiteral("This application is not installed correctly, database does not exist"),
+            Prompts::Exclamation, kFailedTitle);
         return false;
     }
     if (const QString problem = headerProblem(path); !problem.isEmpty()) {
@@ -218,7 +271,8 @@ void RecoverInterruptedCompaction(bool deleteOnly) {
     const QString main = oApplicationPaths->ApplicationDatabaseFile();
     const QString temp = oApplicationPaths->CompactedDatabase();
     if (!FileExists(temp)) {
-        prompts().msgBox(QStringLiteral("No fix is required"), Prompts::Information, QStringLiteral("Korvane"));
+        prompts().msgBox(QStringLiteral("No fix is required"), Prompts::Information,
+                         QStringLiteral("Korvane"));
         return;
     }
     const QString docs = oApplicationPaths->ApplicationDocuments();
@@ -251,8 +305,7 @@ bool CompactTheDatabase(const QString& source, const QString& destination) {
             throw KvError(0, why);
         }
         sqlite3_busy_timeout(db, 2000);
-        const QByteArray sql =
-            "VACUUM INTO '" + QFile::encodeName(destination).replace("'", "''") + "'";
+        const QByteArray sql = "VACUUM INTO '" + QFile::encodeName(destination).replace("'", "''") + "'";
         char* err = nullptr;
         const int rc = sqlite3_exec(db, sql.constData(), nullptr, nullptr, &err);
         const QString why = err ? QString::fromUtf8(err) : QString();

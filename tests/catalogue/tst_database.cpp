@@ -83,6 +83,33 @@ private slots:
             QCOMPARE(q.value(0).toInt(), expected.toInt());
     }
 
+    // Kamikaze and Error read -1 for any non-zero value, whether a plain
+    // INSERT or an UPDATE wrote it, and also in a catalogue made from a
+    // template that had no INSERT trigger yet.
+    void yesNoColumnsStoreMinusOne_data() {
+        QTest::addColumn<bool>("olderTemplate");
+        QTest::addColumn<QString>("write");
+        QTest::newRow("insert")
+            << false << "INSERT INTO tblKaraokeTracks (TrackPath, Kamikaze, Error) VALUES ('/a', 1, 7)";
+        QTest::newRow("insert, older template")
+            << true << "INSERT INTO tblKaraokeTracks (TrackPath, Kamikaze, Error) VALUES ('/a', 1, 7)";
+        QTest::newRow("update") << false << "UPDATE tblKaraokeTracks SET Kamikaze = 1, Error = 7";
+    }
+    void yesNoColumnsStoreMinusOne() {
+        QFETCH(bool, olderTemplate);
+        QFETCH(QString, write);
+        TestWorkspace ws;
+        if (olderTemplate) {
+            ExecuteSql("DROP TRIGGER trgTracksYesNoInsert");
+            CloseDatabase();
+            QVERIFY(OpenDatabase());
+        }
+        if (write.startsWith("UPDATE"))
+            ExecuteSql("INSERT INTO tblKaraokeTracks (TrackPath) VALUES ('/a')");
+        ExecuteSql(write);
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks Where Kamikaze = -1 And Error = -1"), 1);
+    }
+
     void missingCatalogue() {
         TestWorkspace ws(false);
         QFile::remove(ws.catalogueFile());
