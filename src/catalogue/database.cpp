@@ -211,7 +211,7 @@ void CloseDatabase() {
 }
 
 bool OpenDatabase() {
-    if (FileExists(oApplicationPaths->CompactedDatabase()))
+    if (IsRegularFile(oApplicationPaths->CompactedDatabase()))
         RecoverInterruptedCompaction(false);
 
     const QString path = dataFolder() + QStringLiteral("kvsonglist.mdb");
@@ -219,6 +219,11 @@ bool OpenDatabase() {
         prompts().msgBox(
             QStringLiteral("This application is not installed correctly, database does not exist"),
             Prompts::Exclamation, kFailedTitle);
+        return false;
+    }
+    // A pipe or a device in its place would hold the program at the first read.
+    if (!IsRegularFile(path)) {
+        tellCannotOpen(path, QStringLiteral("it is not a regular file"));
         return false;
     }
     if (const QString problem = headerProblem(path); !problem.isEmpty()) {
@@ -260,6 +265,8 @@ void Archive(const QString& file, const QString& folder) {
     const QString ext = lastDot < 0 ? QString() : name.mid(lastDot + 1);
     QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy hh:mm:ss"));
     stamp.replace(QLatin1Char(':'), QLatin1Char('-')).replace(QLatin1Char('/'), QLatin1Char('-'));
+    if (!IsRegularFile(file))
+        throw KvError(0, QStringLiteral("File copy failed"), QStringLiteral("KvApp.modMain.Archive"));
     QDir().mkpath(folder);
     const QString target = AddBackslash(folder) + stem + QLatin1Char('.') + stamp + QLatin1Char('.') + ext;
     QFile::remove(target);
@@ -270,7 +277,7 @@ void Archive(const QString& file, const QString& folder) {
 void RecoverInterruptedCompaction(bool deleteOnly) {
     const QString main = oApplicationPaths->ApplicationDatabaseFile();
     const QString temp = oApplicationPaths->CompactedDatabase();
-    if (!FileExists(temp)) {
+    if (!IsRegularFile(temp)) {
         prompts().msgBox(QStringLiteral("No fix is required"), Prompts::Information,
                          QStringLiteral("Korvane"));
         return;
