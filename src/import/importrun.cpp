@@ -8,6 +8,7 @@
 #include "importtransaction.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QThread>
@@ -91,7 +92,9 @@ void ImportRun::runImport(const QString& folderText, int convention) {
     ImportRunning = true;
     CancelRequested = false;
     m_importer.ConventionNumber = convention;
-    RootFolder = EnsureTrailingSlash(folderText);
+    // Paths are stored absolute and clean, so that a folder named another way
+    // (relative, with "..", with doubled separators) finds its songs again.
+    RootFolder = EnsureTrailingSlash(QDir::cleanPath(QFileInfo(folderText).absoluteFilePath()));
     m_matcher = FilePatternMatcher(kSongFilePattern);
 
     {
@@ -163,7 +166,8 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
             if (errno != 0) {
                 const int err = errno;
                 ::closedir(dir);
-                ShowApplicationError(systemError(err), kWalkPlace, kLineNextEntry, Prompts::Exclamation, folder);
+                ShowApplicationError(systemError(err), kWalkPlace, kLineNextEntry, Prompts::Exclamation,
+                                     folder);
                 return;
             }
             break;

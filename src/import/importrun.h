@@ -37,7 +37,7 @@ public:
 
     bool ImportRunning = false;
     bool CancelRequested = false;
-    // The root of the run, with a trailing separator.
+    // The root of the run: the folder's absolute clean path, with a trailing separator.
     QString RootFolder;
 
     TrackImporter& importer() { return m_importer; }

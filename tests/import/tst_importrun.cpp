@@ -1,5 +1,7 @@
 #include "catalogue/database.h"
+#include "childprocess.h"
 #include "core/globals.h"
+#include "filerights.h"
 #include "import/importrun.h"
 #include "import/importsession.h"
 #include "import/importtransaction.h"
@@ -162,6 +164,43 @@ private slots:
         QCOMPARE(importSession().NewTrackCount - before, 200);
         QVERIFY(!InTransaction());
         QVERIFY(IsDatabaseOpen());
+    }
+
+    // A folder given as a relative or untidy path is stored under its
+    // absolute clean path, so that a later import of the same folder by its
+    // absolute path finds every song already there.
+    void toolStoresAbsoluteCleanPaths() {
+        touch(tree(QStringLiteral("songs/A - Song.zip")));
+        CloseDatabase(); // the tool opens the catalogue itself
+        const kvtest::ChildResult first =
+            kvtest::runTool({"import", "./songs/../songs/", "--convention", "1"}, 60000, tree());
+        QCOMPARE(first.exitCode, 0);
+        const kvtest::ChildResult again = kvtest::runTool({"import", tree("songs"), "--convention", "1"});
+        QCOMPARE(again.exitCode, 0);
+        QVERIFY2(again.out.contains("new 0"), again.out.constData());
+        QVERIFY(OpenDatabase());
+        QCOMPARE(catalogue(QStringLiteral("TrackPath")),
+                 QStringList{tree(QStringLiteral("songs/A - Song.zip"))});
+    }
+
+    // A folder that cannot be opened is reported, and the run still ends:
+    // the next press of the button imports rather than asking to cancel.
+    void unreadableFolderEndsTheRun() {
+        touch(tree(QStringLiteral("locked/A - B.zip")));
+        touch(tree(QStringLiteral("open/C - D.zip")));
+        QVERIFY(QFile::setPermissions(tree(QStringLiteral("locked")), QFileDevice::Permissions()));
+        {
+            WithoutFileRights rights;
+            m_run->GetTracks(tree(QStringLiteral("locked")), 1);
+        }
+        QVERIFY(QFile::setPermissions(tree(QStringLiteral("locked")), QFileDevice::ReadOwner |
+                                                                          QFileDevice::WriteOwner |
+                                                                          QFileDevice::ExeOwner));
+        QCOMPARE(m_prompts->boxTitles(), QStringList{QStringLiteral("Application Error")});
+        QVERIFY(!m_run->ImportRunning);
+        m_run->GetTracks(tree(QStringLiteral("open")), 1);
+        QCOMPARE(m_prompts->countTitle(QStringLiteral("Cancel Import")), 0);
+        QCOMPARE(trackCount(), 1);
     }
 
     // A folder that goes away while the walk is on: the box, then the walk

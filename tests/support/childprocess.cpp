@@ -9,8 +9,10 @@ QString builtProgram(const QString& name) {
     return QCoreApplication::applicationDirPath() + QLatin1Char('/') + name;
 }
 
-ChildResult runTool(const QStringList& args, int deadlineMs) {
+ChildResult runTool(const QStringList& args, int deadlineMs, const QString& folder) {
     QProcess p;
+    if (!folder.isEmpty())
+        p.setWorkingDirectory(folder);
     p.start(builtProgram(QStringLiteral("korvane-tool")), args);
     ChildResult r;
     if (!p.waitForStarted(deadlineMs))

@@ -19,8 +19,9 @@ struct ChildResult {
     QByteArray err;
 };
 
-// Runs korvane-tool with `args` and waits for it, killing it after `deadlineMs`.
-ChildResult runTool(const QStringList& args, int deadlineMs = 60000);
+// Runs korvane-tool with `args` (in `folder` when given) and waits for it,
+// killing it after `deadlineMs`.
+ChildResult runTool(const QStringList& args, int deadlineMs = 60000, const QString& folder = {});
 
 // A child that prints a marker line when it reaches a chosen point and then
 // waits there, so that the test can kill it at that very point.
