@@ -5,6 +5,7 @@
 #include "core/kverror.h"
 #include "core/prompts.h"
 #include "importsession.h"
+#include "importtext.h"
 #include "importtransaction.h"
 
 #include <QCoreApplication>
@@ -36,6 +37,8 @@ QString systemError(int err) {
 }
 
 } // namespace
+
+const QString ImportRun::kNamesLeftOutTitle = QStringLiteral("Files Not Imported");
 
 const QString ImportRun::kSongFilePattern =
     QStringLiteral("*.zip; *.mp3; *.wma; *.ogg; *.mpg; *.dat; *.avi; *.divx; *.mp4");
@@ -81,11 +84,25 @@ void ImportRun::GetTracks(const QString& folderText, int convention) {
                        QStringLiteral(" new tracks were imported."));
     emit busyChanged(false);
     emit transferEnabled();
+    if (m_runDepth == 0 && !NamesLeftOut.isEmpty())
+        tellNamesLeftOut();
+}
+
+void ImportRun::tellNamesLeftOut() {
+    QStringList shown = NamesLeftOut.mid(0, kNamesShown);
+    if (NamesLeftOut.size() > kNamesShown)
+        shown << QStringLiteral("... and %1 more").arg(NamesLeftOut.size() - kNamesShown);
+    prompts().msgBox(QStringLiteral("These files were not imported, because their names are not UTF-8 text. "
+                                    "Rename them and import the folder again:\n\n") +
+                         shown.join(QLatin1Char('\n')),
+                     Prompts::Exclamation, kNamesLeftOutTitle);
 }
 
 void ImportRun::runImport(const QString& folderText, int convention) {
-    if (++m_runDepth == 1)
+    if (++m_runDepth == 1) {
+        NamesLeftOut.clear();
         emit runningChanged(true);
+    }
     m_importer.ProcessedCount = 0;
     emit busyChanged(true);
     emit buttonCaptionChanged(kCancelImport);
@@ -187,12 +204,20 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
                 childBytes += '/';
                 walk(folder + name + QLatin1Char('/'), childBytes, visited);
             } else if (m_matcher.matches(name)) {
-                const bool kamikaze = m_kamikaze && m_kamikaze();
                 const QString path = folder + name;
-                m_importer.AddToImportDatabase(path, kamikaze);
-                if (m_importer.ProcessedCount % 50 == 0) {
-                    emit progressPath(path);
-                    pump();
+                // A name that is not UTF-8 (old Windows discs carry Latin-1
+                // names) has no text that opens the file again: it is left out
+                // and named to the host at the end, never stored under a path
+                // that leads nowhere.
+                if (QFile::encodeName(path) != childBytes) {
+                    NamesLeftOut.append(FileNameForDisplay(childBytes));
+                } else {
+                    const bool kamikaze = m_kamikaze && m_kamikaze();
+                    m_importer.AddToImportDatabase(path, kamikaze);
+                    if (m_importer.ProcessedCount % 50 == 0) {
+                        emit progressPath(path);
+                        pump();
+                    }
                 }
             }
         }

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <set>
 #include <utility>
@@ -23,6 +24,8 @@ public:
 
     // The files an import takes.
     static const QString kSongFilePattern;
+    // The title of the box that names the files a run left out.
+    static const QString kNamesLeftOutTitle;
 
     // The button "Find Tracks": during a run, asks whether to cancel it;
     // otherwise imports `folderText` by `convention` when it is a folder. Both
@@ -37,6 +40,10 @@ public:
 
     bool ImportRunning = false;
     bool CancelRequested = false;
+    // The song files of the last run whose names are not UTF-8 text, as the
+    // host reads them: they have no path that opens them again, so they are
+    // left out, and named in a box when the run has ended.
+    QStringList NamesLeftOut;
     // The root of the run: the folder's absolute clean path, with a trailing separator.
     QString RootFolder;
 
@@ -75,6 +82,9 @@ private:
     void walk(const QString& folder, const QByteArray& folderBytes, std::set<FolderId>& visited);
     bool isFolderEntry(const QByteArray& path, unsigned char type) const;
     void pump();
+    void tellNamesLeftOut();
+    // The box names this many of the files left out, and counts the rest.
+    static constexpr int kNamesShown = 20;
 
     TrackImporter m_importer;
     FilePatternMatcher m_matcher;

@@ -17,6 +17,10 @@
 #include <QTest>
 #include <memory>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 
 void touch(const QString& path) {
@@ -164,6 +168,50 @@ private slots:
         QCOMPARE(importSession().NewTrackCount - before, 200);
         QVERIFY(!InTransaction());
         QVERIFY(IsDatabaseOpen());
+    }
+
+    // Names that are not UTF-8 (Latin-1 names from old Windows discs) have no
+    // text that opens the file again: they are left out, never stored under a
+    // path that opens nothing, and each one is named to the host as it would
+    // read it, by the box at the end of the run and by the tool's output.
+    void namesThatAreNotUtf8AreLeftOutAndNamed() {
+        const QByteArray root = QFile::encodeName(tree());
+        for (const QByteArray& rel : {QByteArray("A - Caf\xe9.mp3"), QByteArray("A - Caf\xe8.mp3"),
+                                      QByteArray("Don\x92t - Stop.zip"), QByteArray("Disc \xe9/B - C.mp3")}) {
+            if (rel.contains('/'))
+                QVERIFY(::mkdir((root + rel.left(rel.indexOf('/'))).constData(), 0700) == 0);
+            const int fd = ::open((root + rel).constData(), O_CREAT | O_WRONLY, 0600);
+            QVERIFY(fd >= 0);
+            ::close(fd);
+        }
+        touch(tree(QStringLiteral("Plain - Song.mp3")));
+        const QStringList named = {QStringLiteral("A - Café.mp3"), QStringLiteral("A - Cafè.mp3"),
+                                   QStringLiteral("Disc é/B - C.mp3"),
+                                   QStringLiteral("Don\u2019t - Stop.zip")};
+
+        m_run->GetTracks(tree(), 1);
+        for (const QString& path : catalogue(QStringLiteral("TrackPath")))
+            QVERIFY2(QFile::exists(path), qPrintable(path));
+        QCOMPARE(catalogue(QStringLiteral("TrackPath")),
+                 QStringList{tree(QStringLiteral("Plain - Song.mp3"))});
+        QCOMPARE(m_prompts->boxTitles(), QStringList{QStringLiteral("Files Not Imported")});
+        for (const QString& name : named)
+            QVERIFY2(m_prompts->calls[0].text.contains(tree(name)), qPrintable(m_prompts->calls[0].text));
+
+        CloseDatabase();
+        const kvtest::ChildResult tool = kvtest::runTool({"import", tree(), "--convention", "1"});
+        QCOMPARE(tool.exitCode, 0);
+        QStringList listed;
+        for (const QByteArray& line : tool.out.split('\n'))
+            if (line.startsWith("not imported"))
+                listed << QString::fromUtf8(line.mid(line.indexOf(": ") + 2));
+        listed.sort();
+        QStringList expected;
+        for (const QString& name : named)
+            expected << tree(name);
+        expected.sort();
+        QCOMPARE(listed, expected);
+        QVERIFY(OpenDatabase());
     }
 
     // A folder given as a relative or untidy path is stored under its
