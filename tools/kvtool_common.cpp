@@ -3,12 +3,12 @@
 #include "catalogue/database.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
-#include "core/globals.h"
 #include "core/consoleprompts.h"
+#include "core/globals.h"
+#include "core/startupsettings.h"
 #include "core/workingfolder.h"
 
 #include <QTextStream>
-
 
 namespace kvtool {
 
@@ -18,6 +18,8 @@ bool openWorkingFolder() {
     oApplicationPaths = std::make_unique<cApplicationPaths>();
     CheckWorkingFolder();
     oSettings = std::make_unique<CIniFile>();
+    if (!SettingsFileCanBeRead())
+        return false;
     return OpenDatabase();
 }
 

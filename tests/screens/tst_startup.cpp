@@ -3,10 +3,11 @@
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
 #include "core/globals.h"
+#include "filerights.h"
+#include "playbackmedia.h"
 #include "screens/frmmain.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
-#include "playbackmedia.h"
 #include "workspace.h"
 
 #include <QDir>
@@ -22,8 +23,12 @@
 
 namespace {
 
-QString workingFolder() { return TestWorkspace::workingFolder(); }
-QString documents() { return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + '/'; }
+QString workingFolder() {
+    return TestWorkspace::workingFolder();
+}
+QString documents() {
+    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + '/';
+}
 
 using playbackmedia::readFile;
 using playbackmedia::writeFile;
@@ -96,7 +101,8 @@ private slots:
         QCOMPARE(readFile(workingFolder() + "settings.ini"), settings);
         QCOMPARE(readFile(workingFolder() + "kvsonglist.mdb"), catalogue);
         // AllowDragAndDrop is absent from the file: its default.
-        QCOMPARE(QStringList({QString::number(Cfg.AutoPlayDelay), Cfg.DefaultName, QString::number(Cfg.AllowDragAndDrop)}),
+        QCOMPARE(QStringList({QString::number(Cfg.AutoPlayDelay), Cfg.DefaultName,
+                              QString::number(Cfg.AllowDragAndDrop)}),
                  QStringList({"9", QString::fromUtf8("Zo\xc3\xab"), "1"}));
         w.close();
     }
@@ -108,7 +114,11 @@ private slots:
         const QString noDatabase = QStringLiteral("Database connection failed");
         const QByteArray whole = readFile(cApplicationPaths::installFolder() + "kvsonglist.mdb");
         QVERIFY(whole.size() > 4096);
-        QTest::newRow("settings file missing") << "settings-dir" << QByteArray() << "Settings File Cannot Be Located";
+        QTest::newRow("settings file missing")
+            << "settings-dir" << QByteArray() << "Settings File Cannot Be Located";
+        // One message, not one for every setting read.
+        QTest::newRow("settings file unreadable")
+            << "settings-unreadable" << QByteArray() << "Settings File Cannot Be Read";
         QTest::newRow("old catalogue") << "old" << QByteArray() << "Old Database Found";
         QTest::newRow("catalogue of junk") << "write" << QByteArray(8192, 'q') << noDatabase;
         // The template with one page too few.
@@ -125,6 +135,9 @@ private slots:
         if (setup == "settings-dir") {
             // A folder where the settings file should be: nothing can copy it there.
             QDir().mkpath(workingFolder() + "settings.ini");
+        } else if (setup == "settings-unreadable") {
+            writeFile(workingFolder() + "settings.ini", "[Settings]\nFirstStart=0\n");
+            QFile::setPermissions(workingFolder() + "settings.ini", QFileDevice::Permissions());
         } else if (setup != "old") {
             writeFile(db, bytes);
         }
@@ -133,8 +146,9 @@ private slots:
             // holding the catalogue in an exclusive transaction.
             sqlite3_open(QFile::encodeName(db).constData(), &holder);
             sqlite3_exec(holder,
-                         setup == "old" ? "CREATE TABLE tblImport (a TEXT); CREATE TABLE KaraokeTracks (b TEXT);"
-                                        : "BEGIN EXCLUSIVE",
+                         setup == "old"
+                             ? "CREATE TABLE tblImport (a TEXT); CREATE TABLE KaraokeTracks (b TEXT);"
+                             : "BEGIN EXCLUSIVE",
                          nullptr, nullptr, nullptr);
         }
         const bool existed = QFileInfo(db).isFile();
@@ -142,8 +156,15 @@ private slots:
         ScriptedPrompts p;
         frmMain w;
         w.setSplashMinimumMs(0);
-        QCOMPARE(w.Form_Load({}), false);
+        {
+            WithoutFileRights rights;
+            QCOMPARE(w.Form_Load({}), false);
+        }
         QCOMPARE(p.boxTitles(), QStringList{title});
+        if (setup == "settings-unreadable") // the message names the file and the reason
+            QVERIFY2(p.calls[0].text.contains(workingFolder() + "settings.ini") &&
+                         p.calls[0].text.contains("Permission denied"),
+                     qPrintable(p.calls[0].text));
         QVERIFY(!IsDatabaseOpen());
         if (holder) {
             sqlite3_exec(holder, "ROLLBACK", nullptr, nullptr, nullptr); // no-op when none is open
@@ -158,7 +179,7 @@ private slots:
         TestWorkspace::seedWithQuietPlayer();
         session([] { ExecuteSql("INSERT INTO tblQueue (QueuePos, PerformerName) VALUES (0, 'Ann')"); });
         writeFile(workingFolder() + "settings.ini",
-                 readFile(workingFolder() + "settings.ini") + "\n[Mine]\nKeep=1\n");
+                  readFile(workingFolder() + "settings.ini") + "\n[Mine]\nKeep=1\n");
         ScriptedPrompts p;
         p.answer(int(Prompts::Yes));
         frmMain w;
@@ -168,7 +189,6 @@ private slots:
         QVERIFY(readFile(workingFolder() + "settings.ini").contains("[Mine]\nKeep=1"));
         w.close();
     }
-
 };
 
 KV_TEST_CLASS(TestStartup)
