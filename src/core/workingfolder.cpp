@@ -9,6 +9,9 @@
 #include <QDir>
 #include <QFile>
 
+#include <dirent.h>
+#include <sys/stat.h>
+
 namespace {
 const QStringList kTemplates = {QStringLiteral("settings.ini"), QStringLiteral("kvsonglist.mdb")};
 }
@@ -17,11 +20,33 @@ void CheckWorkingFolder() {
     Guarded(QStringLiteral("KvApp.frmMain.CheckWorkingFolder"), 1, [] {
         const QString install = cApplicationPaths::installFolder();
         const QString working = cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder());
+        // Every file the program makes from here on is its user's alone.
+        ::umask(077);
         if (!DirectoryExists(working))
             MakeDirectoryPath(working);
         CopyApplicationFiles(working, install);
+        KeepPrivate(working);
         WorkingFolder = AddBackslash(working);
     });
+}
+
+void KeepPrivate(const QString& workingFolder) {
+    // Group and others lose every right to the folder and to what lies in it
+    // (made by an older version, or copied in); the owner's rights stay as
+    // they are. Links are left alone: their targets are not ours to change.
+    const auto tighten = [](const QByteArray& path) {
+        struct stat st;
+        if (::lstat(path.constData(), &st) == 0 && !S_ISLNK(st.st_mode) && (st.st_mode & 077) != 0)
+            ::chmod(path.constData(), st.st_mode & 07700);
+    };
+    const QByteArray folder = QFile::encodeName(AddBackslash(workingFolder));
+    tighten(folder);
+    if (DIR* dir = ::opendir(folder.constData())) {
+        while (const dirent* entry = ::readdir(dir))
+            if (qstrcmp(entry->d_name, ".") != 0 && qstrcmp(entry->d_name, "..") != 0)
+                tighten(folder + entry->d_name);
+        ::closedir(dir);
+    }
 }
 
 void CopyApplicationFiles(const QString& workingFolder, const QString& installFolder) {
@@ -34,8 +59,7 @@ void CopyApplicationFiles(const QString& workingFolder, const QString& installFo
             // it is opened. QFile::copy never overwrites, and writes through a
             // temporary file, so a copy cut short leaves no half file.
             QFile::copy(AddBackslash(installFolder) + name, target);
-            QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
-                                              QFile::ReadOther);
+            QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner);
         }
     });
 }

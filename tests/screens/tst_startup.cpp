@@ -2,6 +2,7 @@
 #include "core/appsettings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
+#include "core/errorlog.h"
 #include "core/globals.h"
 #include "filerights.h"
 #include "playbackmedia.h"
@@ -11,6 +12,7 @@
 #include "workspace.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlQuery>
@@ -172,6 +174,36 @@ private slots:
         }
         if (existed)
             QCOMPARE(readFile(db), before); // the host's file is left as it was
+    }
+
+    // The working folder holds the singers' names and history: after a start
+    // nobody but its owner can read it, neither what an older version left
+    // there nor what the program writes later.
+    void workingFolderIsPrivate() {
+        TestWorkspace::seedWithQuietPlayer();
+        QVERIFY(QFile::setPermissions(workingFolder(), QFileDevice::Permissions(0x7755)));
+        QVERIFY(QFile::setPermissions(workingFolder() + "settings.ini", QFileDevice::Permissions(0x6644)));
+        ScriptedPrompts p;
+        frmMain w;
+        QVERIFY(start(w));
+        LogErrorQuietly("a record", "KvApp.frmMain.FilterIt", 1);
+        settingsfile::writeText("DefaultName", "Ann");
+        ExecuteSql("INSERT INTO tblQueue (QueuePos, PerformerName) VALUES (0, 'Ann')");
+        QVERIFY(QDir().mkpath(workingFolder() + "Temp"));
+        writeFile(workingFolder() + "Temp/song.mp3", "x");
+        QStringList open;
+        QDirIterator it(workingFolder(),
+                        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QFileInfo f(it.next());
+            if (f.permissions() & 0x00ff) // any right of group or others
+                open << f.fileName();
+        }
+        QVERIFY2(open.isEmpty(), qPrintable(open.join(", ")));
+        QVERIFY(QFileInfo::exists(workingFolder() + "kvsonglist.mdb-wal"));
+        QCOMPARE(QFileInfo(workingFolder()).permissions() & 0x00ff, 0);
+        w.close();
     }
 
     // A reset moves the catalogue aside, not away, and keeps the settings.
