@@ -85,7 +85,7 @@ int runImport(const QStringList& args) {
         return 1;
     }
 
-    if (!openWorkingFolder())
+    if (!openWorkingFolder(CatalogueUse::Write))
         return 1;
     Prompts& console = ::prompts();
     ImportPrompts prompts(console);

@@ -125,12 +125,17 @@ void syncFile(const QString& path) {
 // commit costs one flush of the log (a saved queue lands in a few
 // milliseconds, and a program killed after it finds it there), and a page
 // cache that holds a catalogue of a hundred thousand songs whole, so that a
-// typed search does not read the file again.
-QString applyConnectionSettings(QSqlDatabase& db) {
-    for (const char* pragma :
-         {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = FULL", "PRAGMA cache_size = -32768"}) {
+// typed search does not read the file again. A reader changes nothing in the
+// file: the journal mode is the writer's to set.
+QString applyConnectionSettings(QSqlDatabase& db, CatalogueUse use) {
+    QStringList pragmas = {QStringLiteral("PRAGMA cache_size = -32768")};
+    if (use == CatalogueUse::Write)
+        pragmas = QStringList{QStringLiteral("PRAGMA journal_mode = WAL"),
+                              QStringLiteral("PRAGMA synchronous = FULL")} +
+                  pragmas;
+    for (const QString& pragma : pragmas) {
         QSqlQuery q(db);
-        if (!q.exec(QString::fromLatin1(pragma)))
+        if (!q.exec(pragma))
             return q.lastError().databaseText();
     }
     if (!InstallUnicodeLike(NativeHandle(db)))
@@ -140,15 +145,15 @@ QString applyConnectionSettings(QSqlDatabase& db) {
 
 // Reads the schema of a freshly opened catalogue and sets the connection up;
 // an empty text when the catalogue is fit for use, else what is wrong.
-QString checkCatalogue(QSqlDatabase& db) {
+QString checkCatalogue(QSqlDatabase& db, CatalogueUse use) {
     {
         QSqlQuery probe(db);
         if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")))
             return probe.lastError().databaseText();
     } // no read may stay open while the journal mode changes
     if (tableExists(db, QStringLiteral("tblKaraokeTracks"))) {
-        const QString problem = applyConnectionSettings(db);
-        if (problem.isEmpty())
+        const QString problem = applyConnectionSettings(db, use);
+        if (problem.isEmpty() && use == CatalogueUse::Write)
             addMissingTriggers(db);
         return problem;
     }
@@ -210,8 +215,8 @@ void CloseDatabase() {
     QSqlDatabase::removeDatabase(kConnectionName);
 }
 
-bool OpenDatabase() {
-    if (IsRegularFile(oApplicationPaths->CompactedDatabase()))
+bool OpenDatabase(CatalogueUse use) {
+    if (use == CatalogueUse::Write && IsRegularFile(oApplicationPaths->CompactedDatabase()))
         RecoverInterruptedCompaction(false);
 
     const QString path = dataFolder() + QStringLiteral("kvsonglist.mdb");
@@ -230,7 +235,7 @@ bool OpenDatabase() {
         tellCannotOpen(path, problem);
         return false;
     }
-    if (!QFileInfo(path).isWritable()) {
+    if (use == CatalogueUse::Write && !QFileInfo(path).isWritable()) {
         tellCannotOpen(path, QStringLiteral("the file is read-only"));
         return false;
     }
@@ -246,7 +251,7 @@ bool OpenDatabase() {
         if (!db.open())
             failure = db.lastError().text();
         else
-            failure = checkCatalogue(db);
+            failure = checkCatalogue(db, use);
     }
     if (!failure.isEmpty()) {
         CloseDatabase();

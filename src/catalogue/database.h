@@ -20,10 +20,15 @@ quint64 ConnectionGeneration();
 // The SQLite handle under an open connection, or null.
 sqlite3* NativeHandle(const QSqlDatabase& db);
 
+// How a process uses the catalogue: the one that holds the working folder's
+// lock writes (and may recover and set up the file); any other only reads it
+// as it finds it, and changes nothing.
+enum class CatalogueUse { Write, Read };
+
 // Opens the catalogue of the data folder, first recovering from a compaction
-// that was cut short. Tells the host and returns false when the catalogue is
-// missing or cannot be used; the file is then left as it is.
-bool OpenDatabase();
+// that was cut short (when writing). Tells the host and returns false when the
+// catalogue is missing or cannot be used; the file is then left as it is.
+bool OpenDatabase(CatalogueUse use = CatalogueUse::Write);
 // Closes and drops the shared connection.
 void CloseDatabase();
 // A leftover kvSongListTemp.mdb may be the only whole catalogue: archive both
