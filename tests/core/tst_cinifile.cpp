@@ -128,7 +128,8 @@ private slots:
     void readOnlyFileIsNotTouched() {
         writeAll(m_path, "[Settings]\nA=1\n");
         QFile::setPermissions(m_path, QFile::ReadOwner);
-        WithoutFileRights rights;
+        if (QFile(m_path).open(QIODevice::WriteOnly))
+            QSKIP("running with rights that ignore file permissions");
         QCOMPARE(raised([&] { m_ini.SaveStringValue(QStringLiteral("Settings"), QStringLiteral("A"), "2"); }),
                  CIniFile::kComponentFailure);
         QCOMPARE(readAll(m_path), QByteArray("[Settings]\nA=1\n"));
