@@ -3,6 +3,7 @@
 #include "unicodelike.h"
 
 #include "core/capplicationpaths.h"
+#include "core/databasefiles.h"
 #include "core/errorlog.h"
 #include "core/globals.h"
 #include "core/kverror.h"
@@ -13,12 +14,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QSqlDriver>
 #include <QSqlError>
 
-#include <fcntl.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 namespace {
 
@@ -30,9 +30,14 @@ QString dataFolder() {
     return AddBackslash(oApplicationPaths->ApplicationDataPath());
 }
 
+// The new copy a compaction writes, beside the catalogue, until it is whole.
+QString compactCopyOf(const QString& catalogue) { return catalogue + QStringLiteral(".new"); }
+
 // Reads the first 100 bytes of a would-be catalogue and tells what is wrong
-// with it, or an empty text when it looks like a whole SQLite file.
-QString headerProblem(const QString& path) {
+// with it, or an empty text when it looks like a whole SQLite file. The page
+// count in the header speaks for the file alone (`checkLength`) once SQLite
+// has settled the side files, not while another program is writing it.
+QString headerProblem(const QString& path, bool checkLength) {
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly))
         return QStringLiteral("it cannot be read: ") + f.errorString();
@@ -50,12 +55,8 @@ QString headerProblem(const QString& path) {
     if (pageSize == 1)
         pageSize = 65536;
     const quint32 pages = be32(28);
-    // The page count in the header is valid when its change counter matches,
-    // and speaks for the file alone when no journal of an unfinished write
-    // lies beside it (SQLite completes such a file from its journal).
-    const bool journal =
-        QFile::exists(path + QStringLiteral("-wal")) || QFile::exists(path + QStringLiteral("-journal"));
-    if (!journal && pages != 0 && be32(24) == be32(92) && qint64(pages) * pageSize > size)
+    // The page count in the header is valid when its change counter matches.
+    if (checkLength && pages != 0 && be32(24) == be32(92) && qint64(pages) * pageSize > size)
         return QStringLiteral("the file is cut short");
     return {};
 }
@@ -109,15 +110,6 @@ void addMissingTriggers(QSqlDatabase& db) {
         QSqlQuery q(db);
         if (!q.exec(sql))
             LogErrorQuietly(q.lastError().databaseText(), kOpenSource, 5);
-    }
-}
-
-// Syncs a file to disk, so that a compact copy is whole before its source goes.
-void syncFile(const QString& path) {
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
     }
 }
 
@@ -216,10 +208,15 @@ void CloseDatabase() {
 }
 
 bool OpenDatabase(CatalogueUse use) {
-    if (use == CatalogueUse::Write && IsRegularFile(oApplicationPaths->CompactedDatabase()))
-        RecoverInterruptedCompaction(false);
-
     const QString path = dataFolder() + QStringLiteral("kvsonglist.mdb");
+    if (use == CatalogueUse::Write) {
+        // A compaction cut short leaves its unfinished copy; the catalogue
+        // itself was never touched.
+        RemoveDatabaseFile(compactCopyOf(path));
+        if (IsRegularFile(oApplicationPaths->CompactedDatabase()))
+            RecoverInterruptedCompaction(false);
+    }
+
     if (!FileExists(path)) {
         prompts().msgBox(
             QStringLiteral("This application is not installed correctly, database does not exist"),
@@ -231,7 +228,15 @@ bool OpenDatabase(CatalogueUse use) {
         tellCannotOpen(path, QStringLiteral("it is not a regular file"));
         return false;
     }
-    if (const QString problem = headerProblem(path); !problem.isEmpty()) {
+    // Side files left by a crash are finished by SQLite first, so that the
+    // check below sees the whole file; only while another program writes
+    // (and a reader sees it as it is) can the file's length not be judged.
+    bool checkLength = !HasSideFileContent(path);
+    if (!checkLength && use == CatalogueUse::Write) {
+        const int settled = SettleDatabaseFile(path);
+        checkLength = settled != SQLITE_BUSY && settled != SQLITE_LOCKED;
+    }
+    if (const QString problem = headerProblem(path, checkLength); !problem.isEmpty()) {
         tellCannotOpen(path, problem);
         return false;
     }
@@ -262,20 +267,13 @@ bool OpenDatabase(CatalogueUse use) {
 }
 
 void Archive(const QString& file, const QString& folder) {
-    const QFileInfo fi(file);
-    const QString name = fi.fileName();
-    const int firstDot = name.indexOf(QLatin1Char('.'));
-    const int lastDot = name.lastIndexOf(QLatin1Char('.'));
-    const QString stem = firstDot < 0 ? name : name.left(firstDot);
-    const QString ext = lastDot < 0 ? QString() : name.mid(lastDot + 1);
-    QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy hh:mm:ss"));
-    stamp.replace(QLatin1Char(':'), QLatin1Char('-')).replace(QLatin1Char('/'), QLatin1Char('-'));
+    // The copy is of the whole database: what its side files hold is folded
+    // in first, and any side file that stays goes along.
     if (!IsRegularFile(file))
         throw KvError(0, QStringLiteral("File copy failed"), QStringLiteral("KvApp.modMain.Archive"));
+    SettleDatabaseFile(file);
     QDir().mkpath(folder);
-    const QString target = AddBackslash(folder) + stem + QLatin1Char('.') + stamp + QLatin1Char('.') + ext;
-    QFile::remove(target);
-    if (!QFile::copy(file, target))
+    if (!CopyDatabaseFile(file, AddBackslash(folder) + StampedName(file, folder, false)))
         throw KvError(0, QStringLiteral("File copy failed"), QStringLiteral("KvApp.modMain.Archive"));
 }
 
@@ -283,32 +281,34 @@ void RecoverInterruptedCompaction(bool deleteOnly) {
     const QString main = oApplicationPaths->ApplicationDatabaseFile();
     const QString temp = oApplicationPaths->CompactedDatabase();
     if (!IsRegularFile(temp)) {
-        prompts().msgBox(QStringLiteral("No fix is required"), Prompts::Information,
-                         QStringLiteral("Korvane"));
+        prompts().msgBox(QStringLiteral("No fix is required"), Prompts::Information, QStringLiteral("Korvane"));
         return;
     }
     const QString docs = oApplicationPaths->ApplicationDocuments();
+    // The main file goes with its side files: left behind, they would be
+    // taken for the side files of the file that takes its place.
     if (!deleteOnly) {
         Guarded(kOpenSource, 1, [&] { Archive(main, docs); });
         Guarded(kOpenSource, 2, [&] {
-            if (!QFile::remove(main))
+            const bool existed = QFileInfo::exists(main);
+            if (!RemoveDatabaseFile(main) || !existed)
                 throw KvError(53, QStringLiteral("File not found: ") + main);
         });
-    } else if (FileExists(main)) {
-        QFile::remove(main);
+    } else {
+        RemoveDatabaseFile(main);
     }
     Guarded(kOpenSource, 3, [&] { Archive(temp, docs); });
     Guarded(kOpenSource, 4, [&] {
-        if (!QFile::rename(temp, main))
+        if (!MoveDatabaseFile(temp, main))
             throw KvError(75, QStringLiteral("Path/File access error: ") + temp);
+        SyncToDisk(dataFolder());
     });
 }
 
 bool CompactTheDatabase(const QString& source, const QString& destination) {
     bool ok = false;
     Guarded(QStringLiteral("KvApp.modMain.CompactTheDatabase"), 1, [&] {
-        // The compact copy is written by SQLite itself from a private connection
-        // to the moved file.
+        // The compact copy is written by SQLite itself from a private connection.
         sqlite3* db = nullptr;
         if (sqlite3_open_v2(QFile::encodeName(source).constData(), &db, SQLITE_OPEN_READWRITE, nullptr) !=
             SQLITE_OK) {
@@ -316,16 +316,30 @@ bool CompactTheDatabase(const QString& source, const QString& destination) {
             sqlite3_close(db);
             throw KvError(0, why);
         }
+        const auto closeDb = qScopeGuard([db] { sqlite3_close(db); });
         sqlite3_busy_timeout(db, 2000);
-        const QByteArray sql = "VACUUM INTO '" + QFile::encodeName(destination).replace("'", "''") + "'";
-        char* err = nullptr;
-        const int rc = sqlite3_exec(db, sql.constData(), nullptr, nullptr, &err);
-        const QString why = err ? QString::fromUtf8(err) : QString();
-        sqlite3_free(err);
-        sqlite3_close(db);
-        if (rc != SQLITE_OK)
-            throw KvError(rc, why);
-        syncFile(destination);
+        const auto run = [db](const QByteArray& sql) {
+            char* err = nullptr;
+            const int rc = sqlite3_exec(db, sql.constData(), nullptr, nullptr, &err);
+            const QString why = err ? QString::fromUtf8(err) : QString::fromUtf8(sqlite3_errstr(rc));
+            sqlite3_free(err);
+            if (rc != SQLITE_OK)
+                throw KvError(rc, why);
+        };
+        // Out of write-ahead mode: the log is folded into the file and removed,
+        // which SQLite does only when no other program has the file open. So
+        // the file is whole on its own, and no log of it stays behind to be
+        // taken for the log of the copy that will replace it.
+        sqlite3_stmt* st = nullptr;
+        QByteArray mode;
+        if (sqlite3_prepare_v2(db, "PRAGMA journal_mode = DELETE", -1, &st, nullptr) == SQLITE_OK &&
+            sqlite3_step(st) == SQLITE_ROW)
+            mode = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
+        sqlite3_finalize(st);
+        if (mode != "delete")
+            throw KvError(5, QStringLiteral("The song catalogue is open in another program; it was not optimised."));
+        run("VACUUM INTO '" + QFile::encodeName(destination).replace("'", "''") + "'");
+        SyncToDisk(destination);
         ok = true;
     });
     return ok;
@@ -334,19 +348,23 @@ bool CompactTheDatabase(const QString& source, const QString& destination) {
 void DatabaseCompact() {
     const QString folder = oApplicationPaths->ApplicationDataPath();
     const QString main = folder + QStringLiteral("/kvsonglist.mdb");
-    const QString temp = folder + QStringLiteral("/kvSongListTemp.mdb");
+    const QString copy = compactCopyOf(main);
     Guarded(kCompactSource, 1, [] { CloseDatabase(); });
-    bool moved = false;
-    Guarded(kCompactSource, 2, [&] {
-        if (!QFile::rename(main, temp))
-            throw KvError(75, QStringLiteral("Path/File access error: ") + main);
-        moved = true;
-    });
-    bool compacted = false;
-    if (moved)
-        compacted = CompactTheDatabase(temp, main);
+    // The compact copy is written beside the catalogue under a name of its
+    // own, flushed to disk, and only then renamed over it: a crash at any
+    // moment leaves either the old catalogue or the new one, whole, and the
+    // unfinished copy is removed at the next opening.
+    Guarded(kCompactSource, 2, [&] { RemoveDatabaseFile(copy); });
+    bool compacted = CompactTheDatabase(main, copy);
     if (compacted)
-        Guarded(kCompactSource, 3, [&] { QFile::remove(temp); });
+        Guarded(kCompactSource, 3, [&] {
+            if (!ReplaceFile(copy, main))
+                throw KvError(75, QStringLiteral("Path/File access error: ") + copy);
+            for (const QString& side : SideFiles(main))
+                QFile::remove(side); // none, unless left by a program of old
+            SyncToDisk(folder);
+        });
+    RemoveDatabaseFile(copy);
     Guarded(kCompactSource, 4, [] { OpenDatabase(); });
 }
 
