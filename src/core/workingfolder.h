@@ -15,8 +15,9 @@ void KeepPrivate(const QString& workingFolder);
 // working folder, each only when the working folder lacks it: a host's own
 // settings and catalogue are never replaced.
 void CopyApplicationFiles(const QString& workingFolder, const QString& installFolder);
-// The /reset move: every catalogue file of the data folder goes to the
-// documents folder; the settings stay.
+// The /reset move: every catalogue of the data folder goes whole (side files
+// folded in or carried along) to the documents folder, under a name stamped
+// with the date and time; the settings stay.
 void MoveCataloguesToDocuments();
 // Deletes the Temp folder of the working folder (at exit).
 void RemoveTempFolder();

@@ -1,4 +1,5 @@
 #include "catalogue/database.h"
+#include "childprocess.h"
 #include "core/appsettings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
@@ -17,6 +18,7 @@
 #include <QFileInfo>
 #include <QSqlQuery>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <functional>
@@ -34,6 +36,25 @@ QString documents() {
 
 using playbackmedia::readFile;
 using playbackmedia::writeFile;
+
+QString integrityOfCatalogue() {
+    QSqlQuery q = ExecuteSql("PRAGMA integrity_check");
+    return q.next() ? q.value(0).toString() : QString();
+}
+
+// The songs of a catalogue copy, or -1 when it cannot be read.
+int songsIn(const QString& file) {
+    sqlite3* db = nullptr;
+    sqlite3_stmt* st = nullptr;
+    int n = -1;
+    if (sqlite3_open_v2(QFile::encodeName(file).constData(), &db, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK &&
+        sqlite3_prepare_v2(db, "SELECT count(*) FROM tblKaraokeTracks", -1, &st, nullptr) == SQLITE_OK &&
+        sqlite3_step(st) == SQLITE_ROW)
+        n = sqlite3_column_int(st, 0);
+    sqlite3_finalize(st);
+    sqlite3_close(db);
+    return n;
+}
 
 } // namespace
 
@@ -206,20 +227,39 @@ private slots:
         w.close();
     }
 
-    // A reset moves the catalogue aside, not away, and keeps the settings.
-    void resetKeepsTheOldCatalogueAndSettings() {
+    // A reset moves the catalogue aside, not away, and keeps the settings. It
+    // takes the catalogue whole also after a crash: the rows a killed import
+    // had committed (still in the write-ahead log only) go with the copy, and
+    // the fresh catalogue starts empty. A second reset keeps the first copy.
+    void resetMovesTheCatalogueWholeAndKeepsTheSettings() {
         TestWorkspace::seedWithQuietPlayer();
-        session([] { ExecuteSql("INSERT INTO tblQueue (QueuePos, PerformerName) VALUES (0, 'Ann')"); });
         writeFile(workingFolder() + "settings.ini",
                   readFile(workingFolder() + "settings.ini") + "\n[Mine]\nKeep=1\n");
-        ScriptedPrompts p;
-        p.answer(int(Prompts::Yes));
-        frmMain w;
-        QVERIFY(start(w, "/reset"));
-        QCOMPARE(QDir(documents()).entryList({"*.mdb"}, QDir::Files), QStringList{"kvsonglist.mdb"});
-        QVERIFY(!ExecuteSql("SELECT * FROM tblQueue").next());
+        QTemporaryDir songs;
+        for (int i = 0; i < 3100; ++i)
+            writeFile(songs.filePath(QStringLiteral("A - Song %1.zip").arg(i)), {});
+        {
+            kvtest::MarkedChild import(kvtest::builtProgram("kv_killpoints"), {"import", songs.path()});
+            QVERIFY2(import.waitForMarker("KILL-POINT committed"), import.output().constData());
+            import.kill();
+        }
+        QVERIFY(QFileInfo(workingFolder() + "kvsonglist.mdb-wal").size() > 0);
+        for (int reset = 1; reset <= 2; ++reset) {
+            ScriptedPrompts p;
+            p.answer(int(Prompts::Yes));
+            frmMain w;
+            QVERIFY(start(w, "/reset"));
+            QVERIFY(!ExecuteSql("SELECT * FROM tblKaraokeTracks").next());
+            QCOMPARE(integrityOfCatalogue(), "ok");
+            ExecuteSql("INSERT INTO tblKaraokeTracks (TrackPath) VALUES ('/after-reset')");
+            w.close();
+        }
         QVERIFY(readFile(workingFolder() + "settings.ini").contains("[Mine]\nKeep=1"));
-        w.close();
+        QList<int> copies;
+        for (const QString& f : QDir(documents()).entryList({"kvsonglist.*.mdb"}, QDir::Files))
+            copies << songsIn(documents() + f);
+        std::sort(copies.begin(), copies.end());
+        QCOMPARE(copies, QList<int>({1, 3000}));
     }
 };
 
