@@ -102,7 +102,8 @@ int runImport(const QStringList& args) {
     out << "new " << importSession().NewTrackCount - newBefore << "\n";
     for (const QString& name : run.NamesLeftOut)
         out << "not imported, the name is not UTF-8: " << name << "\n";
-    return 0;
+    // What stopped the run has been said on standard error (the box).
+    return run.stopped() ? 1 : 0;
 }
 
 } // namespace kvtool

@@ -99,8 +99,12 @@ void ImportRun::tellNamesLeftOut() {
 }
 
 void ImportRun::runImport(const QString& folderText, int convention) {
+    const qint32 newBefore = importSession().NewTrackCount;
+    qint64 rowsBefore = -1;
     if (++m_runDepth == 1) {
         NamesLeftOut.clear();
+        m_importer.StopReason.clear();
+        rowsBefore = catalogueRows();
         emit runningChanged(true);
     }
     m_importer.ProcessedCount = 0;
@@ -120,12 +124,17 @@ void ImportRun::runImport(const QString& folderText, int convention) {
         SearchForFiles(RootFolder);
         if (m_settlePauseMs > 0)
             QThread::msleep(m_settlePauseMs);
-        emit statusChanged(QStringLiteral("Import Completed"));
+        emit statusChanged(stopped() ? QStringLiteral("Import Stopped") : QStringLiteral("Import Completed"));
         Guarded(kRunSource, 9, [this] {
-            if (CancelRequested)
+            // After a failed statement SQLite may have rolled the batch back itself.
+            if (stopped()) {
+                if (InTransaction())
+                    RollbackTrans();
+            } else if (CancelRequested) {
                 RollbackTrans();
-            else
+            } else {
                 CommitTrans();
+            }
         });
     }
     emit buttonCaptionChanged(kFindTracks);
@@ -135,8 +144,18 @@ void ImportRun::runImport(const QString& folderText, int convention) {
     // A run started from inside another one (between two of its folders) leaves
     // the compaction to the outer run: closing the connection now would drop
     // the outer run's open batch.
-    if (m_runDepth == 1)
+    if (m_runDepth == 1 && stopped()) {
+        // The rows of the batch that failed are gone: the count tells what the
+        // catalogue really gained. No compaction on a disk that just failed.
+        if (const qint64 rowsNow = catalogueRows(); rowsBefore >= 0 && rowsNow >= 0)
+            importSession().NewTrackCount = newBefore + qint32(rowsNow - rowsBefore);
+        prompts().msgBox(QStringLiteral("The import has stopped: ") + m_importer.StopReason +
+                             QStringLiteral("\n\nThe songs saved before the stop stay in the catalogue; the "
+                                            "rest of the folder was not imported."),
+                         Prompts::Critical, QStringLiteral("Import Stopped"));
+    } else if (m_runDepth == 1) {
         DatabaseCompact();
+    }
     emit busyChanged(false);
     if (m_runDepth-- == 1)
         emit runningChanged(false);
@@ -193,6 +212,8 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
             m_importer.ProcessedCount = 0;
             break;
         }
+        if (stopped())
+            break;
         const char* rawName = entry->d_name;
         if (rawName[0] != '.') {
             childBytes = folderBytes;
@@ -227,6 +248,15 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
     }
     ::closedir(dir);
     ImportRunning = false;
+}
+
+qint64 ImportRun::catalogueRows() {
+    try {
+        QSqlQuery q = ExecuteSql(QStringLiteral("SELECT count(*) FROM tblKaraokeTracks"));
+        return q.next() ? q.value(0).toLongLong() : -1;
+    } catch (const KvError&) {
+        return -1;
+    }
 }
 
 qint64 ImportRun::RefreshTrackCount() {

@@ -48,6 +48,9 @@ public:
     QString RootFolder;
 
     TrackImporter& importer() { return m_importer; }
+    // True when the run stopped at a row the catalogue refused (see
+    // TrackImporter::StopReason); the host has been told.
+    bool stopped() const { return !m_importer.StopReason.isEmpty(); }
     qint32 processedCount() const { return m_importer.ProcessedCount; }
 
     // Read afresh for every file: whether its row is a kamikaze track.
@@ -83,6 +86,7 @@ private:
     bool isFolderEntry(const QByteArray& path, unsigned char type) const;
     void pump();
     void tellNamesLeftOut();
+    static qint64 catalogueRows();
     // The box names this many of the files left out, and counts the rest.
     static constexpr int kNamesShown = 20;
 

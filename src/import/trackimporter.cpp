@@ -359,8 +359,12 @@ void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
             number = k.number();
         } catch (...) {
         }
-        // Logged without a box: a failure such as a full disk would come
-        // again for every file of the run, each wanting a click.
+        // Logged without a box: the run that called tells the host once.
         LogErrorExQuietly(kSource, number, describeException(e), line);
+        // A row the catalogue refused for any reason but a duplicate (a locked
+        // catalogue, a full disk) means the rows after it would fail the same
+        // way, or worse, land outside the batch: the run stops here.
+        if (line >= kLineInsert)
+            StopReason = describeException(e) + QStringLiteral("\nFile: ") + path;
     }
 }

@@ -9,10 +9,13 @@ QString builtProgram(const QString& name) {
     return QCoreApplication::applicationDirPath() + QLatin1Char('/') + name;
 }
 
-ChildResult runTool(const QStringList& args, int deadlineMs, const QString& folder) {
+ChildResult runTool(const QStringList& args, int deadlineMs, const QString& folder,
+                    const std::function<void()>& inChild) {
     QProcess p;
     if (!folder.isEmpty())
         p.setWorkingDirectory(folder);
+    if (inChild)
+        p.setChildProcessModifier(inChild);
     p.start(builtProgram(QStringLiteral("korvane-tool")), args);
     ChildResult r;
     if (!p.waitForStarted(deadlineMs))

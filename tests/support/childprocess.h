@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 // Programs of the build run as child processes of a test, in the test's own
 // environment (so on the same working folder).
 namespace kvtest {
@@ -19,9 +21,10 @@ struct ChildResult {
     QByteArray err;
 };
 
-// Runs korvane-tool with `args` (in `folder` when given) and waits for it,
-// killing it after `deadlineMs`.
-ChildResult runTool(const QStringList& args, int deadlineMs = 60000, const QString& folder = {});
+// Runs korvane-tool with `args` (in `folder` when given; `inChild` runs in the
+// child before the tool starts) and waits for it, killing it after `deadlineMs`.
+ChildResult runTool(const QStringList& args, int deadlineMs = 60000, const QString& folder = {},
+                    const std::function<void()>& inChild = {});
 
 // A child that prints a marker line when it reaches a chosen point and then
 // waits there, so that the test can kill it at that very point.
