@@ -3,7 +3,6 @@
 #include "prompts.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
 
