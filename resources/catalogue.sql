@@ -3,10 +3,12 @@
 --
 -- Text compares ignore case (as the program's queries expect), except file
 -- paths, which name files on a case-sensitive file system.
--- Kamikaze and Error are yes/no columns: any non-zero value an UPDATE writes is
--- stored as -1 (a song is marked with "Error = 1" and found with "Error = -1").
--- Inserts write -1 or 0 themselves: a trigger on every insert would be compiled
--- into each of the import's plain-text INSERTs and slow the import threefold.
+-- Kamikaze and Error are yes/no columns: any non-zero value an INSERT or an
+-- UPDATE writes is stored as -1 (a song is marked with "Error = 1" and found
+-- with "Error = -1"). The import writes -1 or 0 itself and compiles its rows
+-- without triggers, which would otherwise slow it threefold.
+-- A catalogue made from an older template gets any trigger of this file that
+-- it lacks when the program opens it.
 
 PRAGMA page_size = 4096;
 
@@ -30,6 +32,15 @@ CREATE TABLE tblKaraokeTracks (
 
 -- A file is catalogued once.
 CREATE UNIQUE INDEX idxTrackPath ON tblKaraokeTracks (TrackPath);
+
+CREATE TRIGGER trgTracksYesNoInsert AFTER INSERT ON tblKaraokeTracks
+WHEN (NEW.Kamikaze <> 0 AND NEW.Kamikaze <> -1) OR (NEW.Error <> 0 AND NEW.Error <> -1)
+BEGIN
+    UPDATE tblKaraokeTracks
+       SET Kamikaze = CASE WHEN Kamikaze <> 0 THEN -1 ELSE 0 END,
+           Error = CASE WHEN Error <> 0 THEN -1 ELSE 0 END
+     WHERE KaraokeTrackID = NEW.KaraokeTrackID;
+END;
 
 CREATE TRIGGER trgTracksYesNoUpdate AFTER UPDATE OF Kamikaze, Error ON tblKaraokeTracks
 WHEN (NEW.Kamikaze <> 0 AND NEW.Kamikaze <> -1) OR (NEW.Error <> 0 AND NEW.Error <> -1)

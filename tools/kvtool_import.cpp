@@ -9,8 +9,9 @@
 
 namespace {
 
-// Answers the naming question No (so that it comes once), and hands every
-// other box and dialog to the prompts the tool had.
+// Answers the naming question No (so that it comes once), leaves the list of
+// files left out to the tool's own output, and hands every other box and
+// dialog to the prompts the tool had.
 class ImportPrompts final : public Prompts {
 public:
     explicit ImportPrompts(Prompts& inner) : m_inner(inner) {}
@@ -19,6 +20,9 @@ public:
             QTextStream(stderr) << title << ": " << text << " No\n";
             return No;
         }
+        // The tool lists every file left out itself, not only the box's first ones.
+        if (title == ImportRun::kNamesLeftOutTitle)
+            return Ok;
         return m_inner.msgBox(text, style, title);
     }
     std::optional<QString> inputBox(const QString& t, const QString& title, const QString& d) override {
@@ -81,7 +85,7 @@ int runImport(const QStringList& args) {
         return 1;
     }
 
-    if (!openWorkingFolder())
+    if (!openWorkingFolder(CatalogueUse::Write))
         return 1;
     Prompts& console = ::prompts();
     ImportPrompts prompts(console);
@@ -96,7 +100,10 @@ int runImport(const QStringList& args) {
     QTextStream out(stdout);
     out << "processed " << run.processedCount() << "\n";
     out << "new " << importSession().NewTrackCount - newBefore << "\n";
-    return 0;
+    for (const QString& name : run.NamesLeftOut)
+        out << "not imported, the name is not UTF-8: " << name << "\n";
+    // What stopped the run has been said on standard error (the box).
+    return run.stopped() ? 1 : 0;
 }
 
 } // namespace kvtool

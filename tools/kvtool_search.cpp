@@ -41,7 +41,7 @@ int runSearch(const QStringList& args) {
         err << "korvane-tool: nothing to search for\n";
         return 2;
     }
-    if (!openWorkingFolder())
+    if (!openWorkingFolder(CatalogueUse::Read))
         return 1;
     try {
         Cfg.IncludeSongPath = settingsfile::readBool(QStringLiteral("IncludeSongPath"), false);

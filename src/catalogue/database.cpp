@@ -3,6 +3,7 @@
 #include "unicodelike.h"
 
 #include "core/capplicationpaths.h"
+#include "core/databasefiles.h"
 #include "core/errorlog.h"
 #include "core/globals.h"
 #include "core/kverror.h"
@@ -13,12 +14,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QSqlDriver>
 #include <QSqlError>
 
-#include <fcntl.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 namespace {
 
@@ -26,11 +26,18 @@ const QString kFailedTitle = QStringLiteral("Database connection failed");
 const QString kCompactSource = QStringLiteral("KvApp.frmMain.DatabaseCompact");
 const QString kOpenSource = QStringLiteral("KvApp.modMain.OpenDatabase");
 
-QString dataFolder() { return AddBackslash(oApplicationPaths->ApplicationDataPath()); }
+QString dataFolder() {
+    return AddBackslash(oApplicationPaths->ApplicationDataPath());
+}
+
+// The new copy a compaction writes, beside the catalogue, until it is whole.
+QString compactCopyOf(const QString& catalogue) { return catalogue + QStringLiteral(".new"); }
 
 // Reads the first 100 bytes of a would-be catalogue and tells what is wrong
-// with it, or an empty text when it looks like a whole SQLite file.
-QString headerProblem(const QString& path) {
+// with it, or an empty text when it looks like a whole SQLite file. The page
+// count in the header speaks for the file alone (`checkLength`) once SQLite
+// has settled the side files, not while another program is writing it.
+QString headerProblem(const QString& path, bool checkLength) {
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly))
         return QStringLiteral("it cannot be read: ") + f.errorString();
@@ -48,11 +55,8 @@ QString headerProblem(const QString& path) {
     if (pageSize == 1)
         pageSize = 65536;
     const quint32 pages = be32(28);
-    // The page count in the header is valid when its change counter matches,
-    // and speaks for the file alone when no journal of an unfinished write
-    // lies beside it (SQLite completes such a file from its journal).
-    const bool journal = QFile::exists(path + QStringLiteral("-wal")) || QFile::exists(path + QStringLiteral("-journal"));
-    if (!journal && pages != 0 && be32(24) == be32(92) && qint64(pages) * pageSize > size)
+    // The page count in the header is valid when its change counter matches.
+    if (checkLength && pages != 0 && be32(24) == be32(92) && qint64(pages) * pageSize > size)
         return QStringLiteral("the file is cut short");
     return {};
 }
@@ -64,19 +68,48 @@ void tellCannotOpen(const QString& path, const QString& reason) {
                      Prompts::Exclamation, kFailedTitle);
 }
 
-bool tableExists(QSqlDatabase& db, const QString& table) {
+bool schemaHas(QSqlDatabase& db, const QString& type, const QString& name) {
     QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name=? COLLATE NOCASE"));
-    q.addBindValue(table);
+    q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type=? AND name=? COLLATE NOCASE"));
+    q.addBindValue(type);
+    q.addBindValue(name);
     return q.exec() && q.next();
 }
 
-// Syncs a file to disk, so that a compact copy is whole before its source goes.
-void syncFile(const QString& path) {
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
+bool tableExists(QSqlDatabase& db, const QString& table) {
+    return schemaHas(db, QStringLiteral("table"), table);
+}
+
+// The triggers of the install folder's template, by name, with their SQL.
+QList<std::pair<QString, QString>> templateTriggers() {
+    QList<std::pair<QString, QString>> triggers;
+    const QByteArray path =
+        QFile::encodeName(cApplicationPaths::installFolder() + QStringLiteral("kvsonglist.mdb"));
+    sqlite3* db = nullptr;
+    if (sqlite3_open_v2(path.constData(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+        sqlite3_stmt* st = nullptr;
+        if (sqlite3_prepare_v2(db, "SELECT name, sql FROM sqlite_master WHERE type = 'trigger'", -1, &st,
+                               nullptr) == SQLITE_OK)
+            while (sqlite3_step(st) == SQLITE_ROW)
+                triggers.append(
+                    {QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(st, 0))),
+                     QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(st, 1)))});
+        sqlite3_finalize(st);
+    }
+    sqlite3_close(db);
+    return triggers;
+}
+
+// A catalogue made from an older template gets the triggers it lacks (the
+// Yes/No meaning of an INSERT came later than that of an UPDATE). A trigger
+// that cannot be made is logged; the catalogue works on without it.
+void addMissingTriggers(QSqlDatabase& db) {
+    for (const auto& [name, sql] : templateTriggers()) {
+        if (schemaHas(db, QStringLiteral("trigger"), name))
+            continue;
+        QSqlQuery q(db);
+        if (!q.exec(sql))
+            LogErrorQuietly(q.lastError().databaseText(), kOpenSource, 5);
     }
 }
 
@@ -84,11 +117,17 @@ void syncFile(const QString& path) {
 // commit costs one flush of the log (a saved queue lands in a few
 // milliseconds, and a program killed after it finds it there), and a page
 // cache that holds a catalogue of a hundred thousand songs whole, so that a
-// typed search does not read the file again.
-QString applyConnectionSettings(QSqlDatabase& db) {
-    for (const char* pragma : {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = FULL", "PRAGMA cache_size = -32768"}) {
+// typed search does not read the file again. A reader changes nothing in the
+// file: the journal mode is the writer's to set.
+QString applyConnectionSettings(QSqlDatabase& db, CatalogueUse use) {
+    QStringList pragmas = {QStringLiteral("PRAGMA cache_size = -32768")};
+    if (use == CatalogueUse::Write)
+        pragmas = QStringList{QStringLiteral("PRAGMA journal_mode = WAL"),
+                              QStringLiteral("PRAGMA synchronous = FULL")} +
+                  pragmas;
+    for (const QString& pragma : pragmas) {
         QSqlQuery q(db);
-        if (!q.exec(QString::fromLatin1(pragma)))
+        if (!q.exec(pragma))
             return q.lastError().databaseText();
     }
     if (!InstallUnicodeLike(NativeHandle(db)))
@@ -98,14 +137,18 @@ QString applyConnectionSettings(QSqlDatabase& db) {
 
 // Reads the schema of a freshly opened catalogue and sets the connection up;
 // an empty text when the catalogue is fit for use, else what is wrong.
-QString checkCatalogue(QSqlDatabase& db) {
+QString checkCatalogue(QSqlDatabase& db, CatalogueUse use) {
     {
         QSqlQuery probe(db);
         if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")))
             return probe.lastError().databaseText();
     } // no read may stay open while the journal mode changes
-    if (tableExists(db, QStringLiteral("tblKaraokeTracks")))
-        return applyConnectionSettings(db);
+    if (tableExists(db, QStringLiteral("tblKaraokeTracks"))) {
+        const QString problem = applyConnectionSettings(db, use);
+        if (problem.isEmpty() && use == CatalogueUse::Write)
+            addMissingTriggers(db);
+        return problem;
+    }
     // A catalogue of the old layout is opened as it is, to be refused by its
     // own check without a byte of it changed.
     if (tableExists(db, QStringLiteral("tblImport")))
@@ -132,9 +175,13 @@ namespace {
 quint64 g_generation = 0;
 }
 
-QSqlDatabase dbConnection() { return QSqlDatabase::database(kConnectionName, false); }
+QSqlDatabase dbConnection() {
+    return QSqlDatabase::database(kConnectionName, false);
+}
 
-quint64 ConnectionGeneration() { return g_generation; }
+quint64 ConnectionGeneration() {
+    return g_generation;
+}
 
 sqlite3* NativeHandle(const QSqlDatabase& db) {
     if (!db.isOpen())
@@ -145,7 +192,9 @@ sqlite3* NativeHandle(const QSqlDatabase& db) {
     return *static_cast<sqlite3* const*>(handle.constData());
 }
 
-bool IsDatabaseOpen() { return QSqlDatabase::contains(kConnectionName) && dbConnection().isOpen(); }
+bool IsDatabaseOpen() {
+    return QSqlDatabase::contains(kConnectionName) && dbConnection().isOpen();
+}
 
 void CloseDatabase() {
     if (!QSqlDatabase::contains(kConnectionName))
@@ -158,21 +207,40 @@ void CloseDatabase() {
     QSqlDatabase::removeDatabase(kConnectionName);
 }
 
-bool OpenDatabase() {
-    if (FileExists(oApplicationPaths->CompactedDatabase()))
-        RecoverInterruptedCompaction(false);
-
+bool OpenDatabase(CatalogueUse use) {
     const QString path = dataFolder() + QStringLiteral("kvsonglist.mdb");
+    if (use == CatalogueUse::Write) {
+        // A compaction cut short leaves its unfinished copy; the catalogue
+        // itself was never touched.
+        RemoveDatabaseFile(compactCopyOf(path));
+        if (IsRegularFile(oApplicationPaths->CompactedDatabase()))
+            RecoverInterruptedCompaction(false);
+    }
+
     if (!FileExists(path)) {
-        prompts().msgBox(QStringLiteral("This application is not installed correctly, database does not exist"),
-                         Prompts::Exclamation, kFailedTitle);
+        prompts().msgBox(
+            QStringLiteral("This application is not installed correctly, database does not exist"),
+            Prompts::Exclamation, kFailedTitle);
         return false;
     }
-    if (const QString problem = headerProblem(path); !problem.isEmpty()) {
+    // A pipe or a device in its place would hold the program at the first read.
+    if (!IsRegularFile(path)) {
+        tellCannotOpen(path, QStringLiteral("it is not a regular file"));
+        return false;
+    }
+    // Side files left by a crash are finished by SQLite first, so that the
+    // check below sees the whole file; only while another program writes
+    // (and a reader sees it as it is) can the file's length not be judged.
+    bool checkLength = !HasSideFileContent(path);
+    if (!checkLength && use == CatalogueUse::Write) {
+        const int settled = SettleDatabaseFile(path);
+        checkLength = settled != SQLITE_BUSY && settled != SQLITE_LOCKED;
+    }
+    if (const QString problem = headerProblem(path, checkLength); !problem.isEmpty()) {
         tellCannotOpen(path, problem);
         return false;
     }
-    if (!QFileInfo(path).isWritable()) {
+    if (use == CatalogueUse::Write && !QFileInfo(path).isWritable()) {
         tellCannotOpen(path, QStringLiteral("the file is read-only"));
         return false;
     }
@@ -188,7 +256,7 @@ bool OpenDatabase() {
         if (!db.open())
             failure = db.lastError().text();
         else
-            failure = checkCatalogue(db);
+            failure = checkCatalogue(db, use);
     }
     if (!failure.isEmpty()) {
         CloseDatabase();
@@ -199,50 +267,48 @@ bool OpenDatabase() {
 }
 
 void Archive(const QString& file, const QString& folder) {
-    const QFileInfo fi(file);
-    const QString name = fi.fileName();
-    const int firstDot = name.indexOf(QLatin1Char('.'));
-    const int lastDot = name.lastIndexOf(QLatin1Char('.'));
-    const QString stem = firstDot < 0 ? name : name.left(firstDot);
-    const QString ext = lastDot < 0 ? QString() : name.mid(lastDot + 1);
-    QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy hh:mm:ss"));
-    stamp.replace(QLatin1Char(':'), QLatin1Char('-')).replace(QLatin1Char('/'), QLatin1Char('-'));
+    // The copy is of the whole database: what its side files hold is folded
+    // in first, and any side file that stays goes along.
+    if (!IsRegularFile(file))
+        throw KvError(0, QStringLiteral("File copy failed"), QStringLiteral("KvApp.modMain.Archive"));
+    SettleDatabaseFile(file);
     QDir().mkpath(folder);
-    const QString target = AddBackslash(folder) + stem + QLatin1Char('.') + stamp + QLatin1Char('.') + ext;
-    QFile::remove(target);
-    if (!QFile::copy(file, target))
+    if (!CopyDatabaseFile(file, AddBackslash(folder) + StampedName(file, folder, false)))
         throw KvError(0, QStringLiteral("File copy failed"), QStringLiteral("KvApp.modMain.Archive"));
 }
 
 void RecoverInterruptedCompaction(bool deleteOnly) {
     const QString main = oApplicationPaths->ApplicationDatabaseFile();
     const QString temp = oApplicationPaths->CompactedDatabase();
-    if (!FileExists(temp)) {
+    if (!IsRegularFile(temp)) {
         prompts().msgBox(QStringLiteral("No fix is required"), Prompts::Information, QStringLiteral("Korvane"));
         return;
     }
     const QString docs = oApplicationPaths->ApplicationDocuments();
+    // The main file goes with its side files: left behind, they would be
+    // taken for the side files of the file that takes its place.
     if (!deleteOnly) {
         Guarded(kOpenSource, 1, [&] { Archive(main, docs); });
         Guarded(kOpenSource, 2, [&] {
-            if (!QFile::remove(main))
+            const bool existed = QFileInfo::exists(main);
+            if (!RemoveDatabaseFile(main) || !existed)
                 throw KvError(53, QStringLiteral("File not found: ") + main);
         });
-    } else if (FileExists(main)) {
-        QFile::remove(main);
+    } else {
+        RemoveDatabaseFile(main);
     }
     Guarded(kOpenSource, 3, [&] { Archive(temp, docs); });
     Guarded(kOpenSource, 4, [&] {
-        if (!QFile::rename(temp, main))
+        if (!MoveDatabaseFile(temp, main))
             throw KvError(75, QStringLiteral("Path/File access error: ") + temp);
+        SyncToDisk(dataFolder());
     });
 }
 
 bool CompactTheDatabase(const QString& source, const QString& destination) {
     bool ok = false;
     Guarded(QStringLiteral("KvApp.modMain.CompactTheDatabase"), 1, [&] {
-        // The compact copy is written by SQLite itself from a private connection
-        // to the moved file.
+        // The compact copy is written by SQLite itself from a private connection.
         sqlite3* db = nullptr;
         if (sqlite3_open_v2(QFile::encodeName(source).constData(), &db, SQLITE_OPEN_READWRITE, nullptr) !=
             SQLITE_OK) {
@@ -250,17 +316,30 @@ bool CompactTheDatabase(const QString& source, const QString& destination) {
             sqlite3_close(db);
             throw KvError(0, why);
         }
+        const auto closeDb = qScopeGuard([db] { sqlite3_close(db); });
         sqlite3_busy_timeout(db, 2000);
-        const QByteArray sql =
-            "VACUUM INTO '" + QFile::encodeName(destination).replace("'", "''") + "'";
-        char* err = nullptr;
-        const int rc = sqlite3_exec(db, sql.constData(), nullptr, nullptr, &err);
-        const QString why = err ? QString::fromUtf8(err) : QString();
-        sqlite3_free(err);
-        sqlite3_close(db);
-        if (rc != SQLITE_OK)
-            throw KvError(rc, why);
-        syncFile(destination);
+        const auto run = [db](const QByteArray& sql) {
+            char* err = nullptr;
+            const int rc = sqlite3_exec(db, sql.constData(), nullptr, nullptr, &err);
+            const QString why = err ? QString::fromUtf8(err) : QString::fromUtf8(sqlite3_errstr(rc));
+            sqlite3_free(err);
+            if (rc != SQLITE_OK)
+                throw KvError(rc, why);
+        };
+        // Out of write-ahead mode: the log is folded into the file and removed,
+        // which SQLite does only when no other program has the file open. So
+        // the file is whole on its own, and no log of it stays behind to be
+        // taken for the log of the copy that will replace it.
+        sqlite3_stmt* st = nullptr;
+        QByteArray mode;
+        if (sqlite3_prepare_v2(db, "PRAGMA journal_mode = DELETE", -1, &st, nullptr) == SQLITE_OK &&
+            sqlite3_step(st) == SQLITE_ROW)
+            mode = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
+        sqlite3_finalize(st);
+        if (mode != "delete")
+            throw KvError(5, QStringLiteral("The song catalogue is open in another program; it was not optimised."));
+        run("VACUUM INTO '" + QFile::encodeName(destination).replace("'", "''") + "'");
+        SyncToDisk(destination);
         ok = true;
     });
     return ok;
@@ -269,19 +348,23 @@ bool CompactTheDatabase(const QString& source, const QString& destination) {
 void DatabaseCompact() {
     const QString folder = oApplicationPaths->ApplicationDataPath();
     const QString main = folder + QStringLiteral("/kvsonglist.mdb");
-    const QString temp = folder + QStringLiteral("/kvSongListTemp.mdb");
+    const QString copy = compactCopyOf(main);
     Guarded(kCompactSource, 1, [] { CloseDatabase(); });
-    bool moved = false;
-    Guarded(kCompactSource, 2, [&] {
-        if (!QFile::rename(main, temp))
-            throw KvError(75, QStringLiteral("Path/File access error: ") + main);
-        moved = true;
-    });
-    bool compacted = false;
-    if (moved)
-        compacted = CompactTheDatabase(temp, main);
+    // The compact copy is written beside the catalogue under a name of its
+    // own, flushed to disk, and only then renamed over it: a crash at any
+    // moment leaves either the old catalogue or the new one, whole, and the
+    // unfinished copy is removed at the next opening.
+    Guarded(kCompactSource, 2, [&] { RemoveDatabaseFile(copy); });
+    bool compacted = CompactTheDatabase(main, copy);
     if (compacted)
-        Guarded(kCompactSource, 3, [&] { QFile::remove(temp); });
+        Guarded(kCompactSource, 3, [&] {
+            if (!ReplaceFile(copy, main))
+                throw KvError(75, QStringLiteral("Path/File access error: ") + copy);
+            for (const QString& side : SideFiles(main))
+                QFile::remove(side); // none, unless left by a program of old
+            SyncToDisk(folder);
+        });
+    RemoveDatabaseFile(copy);
     Guarded(kCompactSource, 4, [] { OpenDatabase(); });
 }
 

@@ -20,21 +20,31 @@ quint64 ConnectionGeneration();
 // The SQLite handle under an open connection, or null.
 sqlite3* NativeHandle(const QSqlDatabase& db);
 
+// How a process uses the catalogue: the one that holds the working folder's
+// lock writes (and may recover and set up the file); any other only reads it
+// as it finds it, and changes nothing.
+enum class CatalogueUse { Write, Read };
+
 // Opens the catalogue of the data folder, first recovering from a compaction
-// that was cut short. Tells the host and returns false when the catalogue is
-// missing or cannot be used; the file is then left as it is.
-bool OpenDatabase();
+// that was cut short (when writing). Tells the host and returns false when the
+// catalogue is missing or cannot be used; the file is then left as it is.
+bool OpenDatabase(CatalogueUse use = CatalogueUse::Write);
 // Closes and drops the shared connection.
 void CloseDatabase();
-// A leftover kvSongListTemp.mdb may be the only whole catalogue: archive both
-// files to the documents folder and put the temporary one in place.
-// `deleteOnly` drops the main file without archiving it.
+// A leftover kvSongListTemp.mdb (a compaction of an older version of the
+// program moved the catalogue there) may be the only whole catalogue: archive
+// both files to the documents folder and put the temporary one in place, each
+// with its side files. `deleteOnly` drops the main file without archiving it.
 void RecoverInterruptedCompaction(bool deleteOnly);
-// Copies `file` into `folder` as stem.<date and time>.extension, overwriting.
+// Copies the database `file`, whole, into `folder` as
+// stem.<date and time>.extension, overwriting.
 void Archive(const QString& file, const QString& folder);
-// Compacts the catalogue: move it aside, write a compact copy in its place,
-// delete the moved file, open again.
+// Compacts the catalogue: a compact copy is written beside it, flushed to
+// disk and renamed over it; then the catalogue is opened again.
 void DatabaseCompact();
+// Writes a compact copy of the database `source` to `destination` (which must
+// not exist); false, logged, when it could not (also when another program
+// has the source open).
 bool CompactTheDatabase(const QString& source, const QString& destination);
 // True when the catalogue is of the old layout (it has tblImport and KaraokeTracks).
 bool CheckForOldDatabase();

@@ -2,8 +2,8 @@
 
 #include "capplicationpaths.h"
 #include "globals.h"
-#include "pathhelpers.h"
 #include "kverror.h"
+#include "pathhelpers.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,6 +11,7 @@
 #include <QSaveFile>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -42,18 +43,28 @@ CIniFile::CIniFile() {
 
 QString CIniFile::describe(qint32 number) {
     switch (number) {
-    case kInvalidFileName: return QStringLiteral("Invalid file name");
-    case kFileNotFound: return QStringLiteral("File not found");
-    case kNotInitialised: return QStringLiteral("Object not properly initialized");
-    case kInvalidSection: return QStringLiteral("Invalid section");
-    case kInvalidKey: return QStringLiteral("Invalid key");
-    default: return QStringLiteral("CIniFile component failure");
+    case kInvalidFileName:
+        return QStringLiteral("Invalid file name");
+    case kFileNotFound:
+        return QStringLiteral("File not found");
+    case kNotInitialised:
+        return QStringLiteral("Object not properly initialized");
+    case kInvalidSection:
+        return QStringLiteral("Invalid section");
+    case kInvalidKey:
+        return QStringLiteral("Invalid key");
+    default:
+        return QStringLiteral("CIniFile component failure");
     }
 }
 
-void CIniFile::raise(qint32 number) const { throw KvError(number, describe(number), kSource); }
+void CIniFile::raise(qint32 number) const {
+    throw KvError(number, describe(number), kSource);
+}
 
-void CIniFile::Init(const QString& fileName) { setFileName(fileName); }
+void CIniFile::Init(const QString& fileName) {
+    setFileName(fileName);
+}
 
 void CIniFile::setFileName(const QString& fileName) {
     if (fileName.isEmpty())
@@ -104,14 +115,48 @@ CIniFile::Line CIniFile::parse(const QByteArray& raw) {
     return line;
 }
 
-CIniFile::Document CIniFile::load() const {
-    Document doc;
+CIniFile::Stamp CIniFile::stampOf(const QString& path) {
+    struct stat st;
+    if (::stat(QFile::encodeName(path).constData(), &st) != 0)
+        return {};
+    return {quint64(st.st_dev), quint64(st.st_ino), qint64(st.st_size),
+            qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec};
+}
+
+QString CIniFile::ReadProblem() const {
+    try {
+        load();
+        return {};
+    } catch (const KvError&) {
+        return m_readProblem;
+    }
+}
+
+const CIniFile::Document& CIniFile::load() const {
+    const Stamp now = stampOf(m_fileName);
+    if (now.size >= 0 && now == m_stamp)
+        return m_document;
+    m_document = Document();
+    m_stamp = Stamp();
     QFile f(m_fileName);
-    if (!f.exists())
-        return doc;
-    if (!f.open(QIODevice::ReadOnly))
+    if (now.size < 0)
+        return m_document; // no file: nothing in it
+    if (!f.open(QIODevice::ReadOnly)) {
+        m_readProblem = f.errorString();
         raise(kComponentFailure);
+    }
     const QByteArray all = f.readAll();
+    if (f.error() != QFileDevice::NoError) {
+        m_readProblem = f.errorString();
+        raise(kComponentFailure);
+    }
+    m_document = parseAll(all);
+    m_stamp = now;
+    return m_document;
+}
+
+CIniFile::Document CIniFile::parseAll(const QByteArray& all) {
+    Document doc;
     if (all.isEmpty())
         return doc;
     if (all.contains("\r\n"))
@@ -145,6 +190,8 @@ void CIniFile::save(const Document& doc) const {
     if (!file.commit())           // flushes, syncs and renames over the old file
         raise(kComponentFailure);
     syncFolder(fi.absolutePath());
+    m_document = doc;
+    m_stamp = stampOf(m_fileName);
 }
 
 int CIniFile::findSection(const Document& doc, const QString& section) {
@@ -174,7 +221,7 @@ QString CIniFile::GetStringValue(const QString& section, const QString& key, con
     checkInitialised();
     checkFileExists();
     try {
-        const Document doc = load();
+        const Document& doc = load();
         const int s = findSection(doc, section);
         const int k = s < 0 ? -1 : findKey(doc, s, key);
         if (k < 0 || doc.lines[k].value.isEmpty())
@@ -190,7 +237,7 @@ QString CIniFile::GetStringValue(const QString& section, const QString& key, con
 qint32 CIniFile::GetNumericValue(const QString& section, const QString& key, qint32 defaultValue) {
     checkInitialised();
     checkFileExists();
-    const Document doc = load();
+    const Document& doc = load();
     const int s = findSection(doc, section);
     const int k = s < 0 ? -1 : findKey(doc, s, key);
     if (k < 0 || doc.lines[k].value.isEmpty())
@@ -287,7 +334,7 @@ qint32 CIniFile::EnumerateAllKeys(const QString& section, QStringList& keys) {
     checkFileExists();
     if (section.isEmpty())
         raise(kInvalidSection);
-    const Document doc = load();
+    const Document& doc = load();
     const int s = findSection(doc, section);
     if (s < 0)
         return 0;
@@ -302,7 +349,7 @@ qint32 CIniFile::EnumerateAllSections(QStringList& sections) {
     sections.clear();
     checkInitialised();
     checkFileExists();
-    const Document doc = load();
+    const Document& doc = load();
     // The names come back through a buffer of 8192 characters, each ended by a NUL:
     // a file with more names than that is cut there.
     constexpr int kBuffer = 8192;

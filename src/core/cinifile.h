@@ -11,6 +11,8 @@
 // Lookups ignore case; comments and any line it does not understand are kept in
 // their place; every write is on disk, whole, when it returns (written to a
 // temporary file in the same folder, flushed and renamed over the old one).
+// The file is read once and kept in memory: it is read again only when it has
+// changed on disk since (another program or object wrote it).
 class CIniFile {
 public:
     static constexpr qint32 kInvalidFileName = qint32(0x80044511);
@@ -44,12 +46,17 @@ public:
     // The description of each failure number, as raised.
     static QString describe(qint32 number);
 
+    // Empty when the file can be read; otherwise why it cannot (the system's
+    // reason, such as "Permission denied"). A missing file is no problem here:
+    // the reads report it as "File not found".
+    QString ReadProblem() const;
+
 private:
     struct Line {
-        QByteArray raw;   // the line as it stands in the file, without its end
+        QByteArray raw; // the line as it stands in the file, without its end
         enum Kind { Other, Section, Entry } kind = Other;
-        QString name;     // section name or key, trimmed
-        QString value;    // an entry's value, trimmed
+        QString name;  // section name or key, trimmed
+        QString value; // an entry's value, trimmed
     };
     struct Document {
         QList<Line> lines;
@@ -60,7 +67,16 @@ private:
     void checkInitialised() const;
     void checkFileExists() const;
     bool FileExists() const;
-    Document load() const;
+    // Identifies one version of the file on disk.
+    struct Stamp {
+        quint64 device = 0, inode = 0;
+        qint64 size = -1, modifiedNs = 0;
+        bool operator==(const Stamp&) const = default;
+    };
+    static Stamp stampOf(const QString& path);
+    // The file's lines: the copy in memory while the file is unchanged on disk.
+    const Document& load() const;
+    static Document parseAll(const QByteArray& all);
     void save(const Document& doc) const;
     static Line parse(const QByteArray& raw);
     // Index of the first header of `section` (case-blind), or -1.
@@ -71,4 +87,7 @@ private:
     void write(const QString& section, const QString& key, const QString& value);
 
     QString m_fileName;
+    mutable Document m_document;
+    mutable Stamp m_stamp;         // of the file m_document was read from (size -1: none)
+    mutable QString m_readProblem; // why the last read failed
 };

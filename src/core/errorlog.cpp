@@ -9,7 +9,9 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocale>
+#include <QTextStream>
 
 namespace {
 
@@ -22,7 +24,10 @@ QString logFolder() {
     return AddBackslash(cApplicationPaths::workingFolderBelow(cApplicationPaths::commonDataFolder()));
 }
 
-void appendRecord(const QStringList& details) {
+// Appends one record; an empty text when it is on disk, else why it is not.
+// A log that cannot be written is said on standard error, with the record, so
+// that the error is not lost with it.
+QString appendRecord(const QStringList& details) {
     QByteArray rec;
     rec += kRule + '\n';
     rec += kv::versionText().toUtf8() + '\n';
@@ -31,15 +36,30 @@ void appendRecord(const QStringList& details) {
         rec += d.toUtf8() + '\n';
     rec += kRule + '\n';
     rec += '\n';
-    QFile f(errorLogPath());
-    // Not guarded: a log that cannot be written is the caller's failure.
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Append) || f.write(rec) != rec.size())
-        throw KvError(0, QStringLiteral("The error log cannot be written: ") + f.errorString(),
-                      QStringLiteral("KVError.log"));
+    const QString path = errorLogPath();
+    QFile f(path);
+    QString problem;
+    // Only a plain file is appended to: a pipe in its place would hold the program.
+    if (QFileInfo::exists(path) && !IsRegularFile(path))
+        problem = QStringLiteral("it is not a regular file");
+    else if (!f.open(QIODevice::WriteOnly | QIODevice::Append) || f.write(rec) != rec.size() || !f.flush())
+        problem = f.errorString(); // a full disk shows here, when the record meets the disk
     f.close();
+    if (!problem.isEmpty())
+        QTextStream(stderr) << "Korvane: the error log " << path << " cannot be written (" << problem
+                            << "). The error was:\n"
+                            << rec;
+    return problem;
 }
 
-void showErrorBox() { prompts().msgBox(errorBoxText(), Prompts::Critical, QStringLiteral("Korvane Error")); }
+void showErrorBox(const QString& description, const QString& logProblem) {
+    const QString text =
+        logProblem.isEmpty()
+            ? errorBoxText()
+            : QStringLiteral("An Error has occured: %1\n\nIt could not be written to %2 (%3).")
+                  .arg(description, errorLogPath(), logProblem);
+    prompts().msgBox(text, Prompts::Critical, QStringLiteral("Korvane Error"));
+}
 
 } // namespace
 
@@ -51,8 +71,7 @@ QString errorBoxText() {
 }
 
 void LogError(const QString& description, const QString& source, qint32 line) {
-    appendRecord({description, source, QString::number(line)});
-    showErrorBox();
+    showErrorBox(description, appendRecord({description, source, QString::number(line)}));
 }
 
 void LogErrorQuietly(const QString& description, const QString& source, qint32 line) {
@@ -64,8 +83,8 @@ void LogErrorExQuietly(const QString& source, qint32 number, const QString& desc
 }
 
 void LogErrorEx(const QString& source, qint32 number, const QString& description, qint32 line) {
-    LogErrorExQuietly(source, number, description, line);
-    showErrorBox();
+    showErrorBox(description,
+                 appendRecord({description, QString::number(number), source, QString::number(line)}));
 }
 
 void ShowApplicationError(const QString& description, const QString& place, qint32 line, int style,

@@ -5,7 +5,10 @@
 #include <functional>
 
 // The error log: KVError.log in the working folder, one record appended per
-// call (the file is made when absent), then the "Korvane Error" box.
+// call (the file is made when absent), then the "Korvane Error" box. Every
+// write is checked: a record that cannot be written goes to standard error
+// instead, and the box then tells the error itself rather than asking for a
+// log that does not hold it.
 // The common form: description, source, line.
 void LogError(const QString& description, const QString& source, qint32 line);
 // The long form: description, number, source, line.

@@ -9,7 +9,13 @@ QString AddBackslash(const QString& path) {
     return path + QLatin1Char('/');
 }
 
-bool FileExists(const QString& path) { return !path.isEmpty() && QFileInfo::exists(path); }
+bool FileExists(const QString& path) {
+    return !path.isEmpty() && QFileInfo::exists(path);
+}
+
+bool IsRegularFile(const QString& path) {
+    return !path.isEmpty() && QFileInfo(path).isFile();
+}
 
 bool DirectoryExists(const QString& path) {
     QString p = path;

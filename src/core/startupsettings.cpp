@@ -1,10 +1,29 @@
 #include "startupsettings.h"
 
 #include "appsettings.h"
+#include "cinifile.h"
 #include "errorlog.h"
 #include "globals.h"
+#include "pathhelpers.h"
+#include "prompts.h"
+
+#include <QDir>
 
 using namespace settingsfile;
+
+bool SettingsFileCanBeRead() {
+    if (!oSettings || !IsRegularFile(oSettings->FileName()))
+        return true;
+    const QString problem = oSettings->ReadProblem();
+    if (problem.isEmpty())
+        return true;
+    prompts().msgBox(
+        QStringLiteral("The settings file cannot be read: %1\n%2\n\nKorvane does not start without "
+                       "its settings. The file has been left as it is.")
+            .arg(problem, QDir::toNativeSeparators(oSettings->FileName())),
+        Prompts::Critical, QStringLiteral("Settings File Cannot Be Read"));
+    return false;
+}
 
 void ApplyFirstStart(const QString& documentsFolder, const QString& installFolder) {
     IsFirstStart = readBool(QStringLiteral("FirstStart"), true);
@@ -46,7 +65,8 @@ void ReadStartupSettings(const QString& source) {
     read([] { Cfg.DefaultName = readText(QStringLiteral("DefaultName"), QStringLiteral("No Name")); });
     read([] { Cfg.PlayFromPosition1 = readBool(QStringLiteral("PlayFromPosition1"), true); });
     read([] { Cfg.ShowNextPerfomer = readBool(QStringLiteral("ShowNextPerfomer"), true); });
-    read([] { Cfg.UpdateScrollerImmediately = readBool(QStringLiteral("UpdateScrollerImmediately"), false); });
+    read(
+        [] { Cfg.UpdateScrollerImmediately = readBool(QStringLiteral("UpdateScrollerImmediately"), false); });
     read([] { Cfg.EnableNextPerfomer = readBool(QStringLiteral("EnableNextPerfomer"), false); });
     // Read twice in the sequence; the second read is the one that stands.
     read([] { Cfg.NoFadeOnRestart = readBool(QStringLiteral("NoFadeOnRestart"), true); });
@@ -73,7 +93,9 @@ void ReadStartupSettings(const QString& source) {
 
 void ReadLateStartupSettings(const QString& source) {
     Reader read{source, 200};
-    read([] { Cfg.DefaultPerformerName = readText(QStringLiteral("DefaultPerformerName"), QStringLiteral("None")); });
+    read([] {
+        Cfg.DefaultPerformerName = readText(QStringLiteral("DefaultPerformerName"), QStringLiteral("None"));
+    });
     read([] { Cfg.DoubleClickAction = readInt(QStringLiteral("DoubleClickAction"), 1); });
 }
 

@@ -5,9 +5,11 @@
 #include "core/kverror.h"
 #include "core/prompts.h"
 #include "importsession.h"
+#include "importtext.h"
 #include "importtransaction.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QThread>
@@ -35,6 +37,8 @@ QString systemError(int err) {
 }
 
 } // namespace
+
+const QString ImportRun::kNamesLeftOutTitle = QStringLiteral("Files Not Imported");
 
 const QString ImportRun::kSongFilePattern =
     QStringLiteral("*.zip; *.mp3; *.wma; *.ogg; *.mpg; *.dat; *.avi; *.divx; *.mp4");
@@ -80,18 +84,38 @@ void ImportRun::GetTracks(const QString& folderText, int convention) {
                        QStringLiteral(" new tracks were imported."));
     emit busyChanged(false);
     emit transferEnabled();
+    if (m_runDepth == 0 && !NamesLeftOut.isEmpty())
+        tellNamesLeftOut();
+}
+
+void ImportRun::tellNamesLeftOut() {
+    QStringList shown = NamesLeftOut.mid(0, kNamesShown);
+    if (NamesLeftOut.size() > kNamesShown)
+        shown << QStringLiteral("... and %1 more").arg(NamesLeftOut.size() - kNamesShown);
+    prompts().msgBox(QStringLiteral("These files were not imported, because their names are not UTF-8 text. "
+                                    "Rename them and import the folder again:\n\n") +
+                         shown.join(QLatin1Char('\n')),
+                     Prompts::Exclamation, kNamesLeftOutTitle);
 }
 
 void ImportRun::runImport(const QString& folderText, int convention) {
-    if (++m_runDepth == 1)
+    const qint32 newBefore = importSession().NewTrackCount;
+    qint64 rowsBefore = -1;
+    if (++m_runDepth == 1) {
+        NamesLeftOut.clear();
+        m_importer.StopReason.clear();
+        rowsBefore = catalogueRows();
         emit runningChanged(true);
+    }
     m_importer.ProcessedCount = 0;
     emit busyChanged(true);
     emit buttonCaptionChanged(kCancelImport);
     ImportRunning = true;
     CancelRequested = false;
     m_importer.ConventionNumber = convention;
-    RootFolder = EnsureTrailingSlash(folderText);
+    // Paths are stored absolute and clean, so that a folder named another way
+    // (relative, with "..", with doubled separators) finds its songs again.
+    RootFolder = EnsureTrailingSlash(QDir::cleanPath(QFileInfo(folderText).absoluteFilePath()));
     m_matcher = FilePatternMatcher(kSongFilePattern);
 
     {
@@ -100,12 +124,17 @@ void ImportRun::runImport(const QString& folderText, int convention) {
         SearchForFiles(RootFolder);
         if (m_settlePauseMs > 0)
             QThread::msleep(m_settlePauseMs);
-        emit statusChanged(QStringLiteral("Import Completed"));
+        emit statusChanged(stopped() ? QStringLiteral("Import Stopped") : QStringLiteral("Import Completed"));
         Guarded(kRunSource, 9, [this] {
-            if (CancelRequested)
+            // After a failed statement SQLite may have rolled the batch back itself.
+            if (stopped()) {
+                if (InTransaction())
+                    RollbackTrans();
+            } else if (CancelRequested) {
                 RollbackTrans();
-            else
+            } else {
                 CommitTrans();
+            }
         });
     }
     emit buttonCaptionChanged(kFindTracks);
@@ -115,8 +144,18 @@ void ImportRun::runImport(const QString& folderText, int convention) {
     // A run started from inside another one (between two of its folders) leaves
     // the compaction to the outer run: closing the connection now would drop
     // the outer run's open batch.
-    if (m_runDepth == 1)
+    if (m_runDepth == 1 && stopped()) {
+        // The rows of the batch that failed are gone: the count tells what the
+        // catalogue really gained. No compaction on a disk that just failed.
+        if (const qint64 rowsNow = catalogueRows(); rowsBefore >= 0 && rowsNow >= 0)
+            importSession().NewTrackCount = newBefore + qint32(rowsNow - rowsBefore);
+        prompts().msgBox(QStringLiteral("The import has stopped: ") + m_importer.StopReason +
+                             QStringLiteral("\n\nThe songs saved before the stop stay in the catalogue; the "
+                                            "rest of the folder was not imported."),
+                         Prompts::Critical, QStringLiteral("Import Stopped"));
+    } else if (m_runDepth == 1) {
         DatabaseCompact();
+    }
     emit busyChanged(false);
     if (m_runDepth-- == 1)
         emit runningChanged(false);
@@ -163,7 +202,8 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
             if (errno != 0) {
                 const int err = errno;
                 ::closedir(dir);
-                ShowApplicationError(systemError(err), kWalkPlace, kLineNextEntry, Prompts::Exclamation, folder);
+                ShowApplicationError(systemError(err), kWalkPlace, kLineNextEntry, Prompts::Exclamation,
+                                     folder);
                 return;
             }
             break;
@@ -172,6 +212,8 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
             m_importer.ProcessedCount = 0;
             break;
         }
+        if (stopped())
+            break;
         const char* rawName = entry->d_name;
         if (rawName[0] != '.') {
             childBytes = folderBytes;
@@ -183,12 +225,20 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
                 childBytes += '/';
                 walk(folder + name + QLatin1Char('/'), childBytes, visited);
             } else if (m_matcher.matches(name)) {
-                const bool kamikaze = m_kamikaze && m_kamikaze();
                 const QString path = folder + name;
-                m_importer.AddToImportDatabase(path, kamikaze);
-                if (m_importer.ProcessedCount % 50 == 0) {
-                    emit progressPath(path);
-                    pump();
+                // A name that is not UTF-8 (old Windows discs carry Latin-1
+                // names) has no text that opens the file again: it is left out
+                // and named to the host at the end, never stored under a path
+                // that leads nowhere.
+                if (QFile::encodeName(path) != childBytes) {
+                    NamesLeftOut.append(FileNameForDisplay(childBytes));
+                } else {
+                    const bool kamikaze = m_kamikaze && m_kamikaze();
+                    m_importer.AddToImportDatabase(path, kamikaze);
+                    if (m_importer.ProcessedCount % 50 == 0) {
+                        emit progressPath(path);
+                        pump();
+                    }
                 }
             }
         }
@@ -198,6 +248,15 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
     }
     ::closedir(dir);
     ImportRunning = false;
+}
+
+qint64 ImportRun::catalogueRows() {
+    try {
+        QSqlQuery q = ExecuteSql(QStringLiteral("SELECT count(*) FROM tblKaraokeTracks"));
+        return q.next() ? q.value(0).toLongLong() : -1;
+    } catch (const KvError&) {
+        return -1;
+    }
 }
 
 qint64 ImportRun::RefreshTrackCount() {

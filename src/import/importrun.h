@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <set>
 #include <utility>
@@ -23,6 +24,8 @@ public:
 
     // The files an import takes.
     static const QString kSongFilePattern;
+    // The title of the box that names the files a run left out.
+    static const QString kNamesLeftOutTitle;
 
     // The button "Find Tracks": during a run, asks whether to cancel it;
     // otherwise imports `folderText` by `convention` when it is a folder. Both
@@ -37,10 +40,17 @@ public:
 
     bool ImportRunning = false;
     bool CancelRequested = false;
-    // The root of the run, with a trailing separator.
+    // The song files of the last run whose names are not UTF-8 text, as the
+    // host reads them: they have no path that opens them again, so they are
+    // left out, and named in a box when the run has ended.
+    QStringList NamesLeftOut;
+    // The root of the run: the folder's absolute clean path, with a trailing separator.
     QString RootFolder;
 
     TrackImporter& importer() { return m_importer; }
+    // True when the run stopped at a row the catalogue refused (see
+    // TrackImporter::StopReason); the host has been told.
+    bool stopped() const { return !m_importer.StopReason.isEmpty(); }
     qint32 processedCount() const { return m_importer.ProcessedCount; }
 
     // Read afresh for every file: whether its row is a kamikaze track.
@@ -75,6 +85,10 @@ private:
     void walk(const QString& folder, const QByteArray& folderBytes, std::set<FolderId>& visited);
     bool isFolderEntry(const QByteArray& path, unsigned char type) const;
     void pump();
+    void tellNamesLeftOut();
+    static qint64 catalogueRows();
+    // The box names this many of the files left out, and counts the rest.
+    static constexpr int kNamesShown = 20;
 
     TrackImporter m_importer;
     FilePatternMatcher m_matcher;

@@ -74,3 +74,63 @@ QString EscapeQuotes(QString&& text) {
         text.replace(QLatin1Char('\''), QStringLiteral("''"));
     return std::move(text);
 }
+
+namespace {
+
+// Windows-1252 where it differs from Latin-1: the characters of 0x80 to 0x9F
+// (the five bytes it leaves undefined keep their Latin-1 control code).
+constexpr char16_t kWindows1252[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                       0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                       0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                       0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+// The length of the well-formed UTF-8 character at the start of `b`, or 0.
+qsizetype utf8CharLength(QByteArrayView b) {
+    const auto byte = [&](qsizetype i) { return quint8(b[i]); };
+    const quint8 lead = byte(0);
+    qsizetype n = 0;
+    char32_t min = 0;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        n = 2;
+        min = 0x80;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        n = 3;
+        min = 0x800;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        n = 4;
+        min = 0x10000;
+    } else {
+        return 0;
+    }
+    if (b.size() < n)
+        return 0;
+    char32_t c = lead & (0x7F >> n);
+    for (qsizetype i = 1; i < n; ++i) {
+        if ((byte(i) & 0xC0) != 0x80)
+            return 0;
+        c = (c << 6) | (byte(i) & 0x3F);
+    }
+    const bool surrogate = c >= 0xD800 && c <= 0xDFFF;
+    return c >= min && c <= 0x10FFFF && !surrogate ? n : 0;
+}
+
+} // namespace
+
+QString FileNameForDisplay(QByteArrayView bytes) {
+    QString out;
+    out.reserve(bytes.size());
+    for (qsizetype i = 0; i < bytes.size();) {
+        const quint8 b = quint8(bytes[i]);
+        if (b < 0x80) {
+            out += QChar(b);
+            ++i;
+        } else if (const qsizetype n = utf8CharLength(bytes.sliced(i))) {
+            out += QString::fromUtf8(bytes.sliced(i, n));
+            i += n;
+        } else {
+            out += QChar(b < 0xA0 ? kWindows1252[b - 0x80] : char16_t(b));
+            ++i;
+        }
+    }
+    return out;
+}

@@ -19,6 +19,10 @@ public:
     int ConventionNumber = 0;
     // Files handled since the run began; drives the commits and the progress.
     qint32 ProcessedCount = 0;
+    // Empty while the catalogue takes the rows. When it refuses one for any
+    // reason but a duplicate, or a commit fails: what happened and at which
+    // file; the run then stops.
+    QString StopReason;
 
     // `path` is the full path of the file; `kamikaze` marks the row for the
     // random kamikaze pick.

@@ -20,6 +20,7 @@
 #include "core/twips.h"
 #include "core/version.h"
 #include "core/workingfolder.h"
+#include "core/workingfolderlock.h"
 #include "playback/playerstartup.h"
 #include "queue/queuecontroller.h"
 #include "queue/singernames.h"
@@ -367,7 +368,17 @@ bool frmMain::Form_Load(const QString& commandLine) {
     step([&] { setWindowTitle(kv::mainWindowTitle()); });
     step([&] { oApplicationPaths = std::make_unique<cApplicationPaths>(); });
     step([&] { CheckWorkingFolder(); });
+    step([&] {
+        if (!(m_folderLock = TakeWorkingFolder(AddBackslash(oApplicationPaths->ApplicationDataPath()))))
+            throw EndProgram{};
+        m_folderLock->setParent(this);
+        connect(m_folderLock.get(), &WorkingFolderLock::raiseRequested, this, &frmMain::comeForward);
+    });
     step([&] { oSettings = std::make_unique<CIniFile>(); });
+    step([&] {
+        if (!SettingsFileCanBeRead())
+            throw EndProgram{};
+    });
     step([&] { settingsfile::readText(QStringLiteral("ImportPath"), settingsfile::defaultFolder()); });
     step([&] {
         if (!CommandLineAsksForReset(commandLine))
@@ -408,8 +419,16 @@ bool frmMain::Form_Load(const QString& commandLine) {
         if (m_splash)
             m_splash->close();
         m_unloaded = true; // nothing to save: the program never came up
+        m_folderLock.reset();
     }
     return !end;
+}
+
+void frmMain::comeForward() {
+    if (isMinimized())
+        showNormal();
+    raise();
+    activateWindow();
 }
 
 void frmMain::InitialiseStartup() {
@@ -560,6 +579,7 @@ void frmMain::Form_Unload() {
     UnloadAllForms();
     oSettings.reset();
     QCoreApplication::processEvents();
+    m_folderLock.reset(); // last: the working folder is free for the next program
 }
 
 void frmMain::UnloadAllForms() {

@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 #include <array>
+#include <memory>
 
 class QCheckBox;
 class QFrame;
@@ -13,6 +14,7 @@ class QTableView;
 class QTimer;
 class frmSplash;
 class MainParts;
+class WorkingFolderLock;
 
 // The host's one working screen. It is created first and owns the start-up
 // and the shutdown of the program; its controls carry the names the rest of
@@ -88,6 +90,10 @@ private:
     void SetFormColors();
     void setUpSecondScreen();
 
+    // A second start on the same working folder asks this window to come forward.
+    void comeForward();
+
+    std::unique_ptr<WorkingFolderLock> m_folderLock;
     MainParts* m_parts = nullptr;
     frmSplash* m_splash = nullptr;
     int m_splashMinimumMs = 5000;

@@ -1,4 +1,5 @@
 #include "catalogue/database.h"
+#include "childprocess.h"
 #include "core/capplicationpaths.h"
 #include "core/globals.h"
 #include "core/kverror.h"
@@ -11,6 +12,8 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTest>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -83,6 +86,33 @@ private slots:
             QCOMPARE(q.value(0).toInt(), expected.toInt());
     }
 
+    // Kamikaze and Error read -1 for any non-zero value, whether a plain
+    // INSERT or an UPDATE wrote it, and also in a catalogue made from a
+    // template that had no INSERT trigger yet.
+    void yesNoColumnsStoreMinusOne_data() {
+        QTest::addColumn<bool>("olderTemplate");
+        QTest::addColumn<QString>("write");
+        QTest::newRow("insert")
+            << false << "INSERT INTO tblKaraokeTracks (TrackPath, Kamikaze, Error) VALUES ('/a', 1, 7)";
+        QTest::newRow("insert, older template")
+            << true << "INSERT INTO tblKaraokeTracks (TrackPath, Kamikaze, Error) VALUES ('/a', 1, 7)";
+        QTest::newRow("update") << false << "UPDATE tblKaraokeTracks SET Kamikaze = 1, Error = 7";
+    }
+    void yesNoColumnsStoreMinusOne() {
+        QFETCH(bool, olderTemplate);
+        QFETCH(QString, write);
+        TestWorkspace ws;
+        if (olderTemplate) {
+            ExecuteSql("DROP TRIGGER trgTracksYesNoInsert");
+            CloseDatabase();
+            QVERIFY(OpenDatabase());
+        }
+        if (write.startsWith("UPDATE"))
+            ExecuteSql("INSERT INTO tblKaraokeTracks (TrackPath) VALUES ('/a')");
+        ExecuteSql(write);
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks Where Kamikaze = -1 And Error = -1"), 1);
+    }
+
     void missingCatalogue() {
         TestWorkspace ws(false);
         QFile::remove(ws.catalogueFile());
@@ -90,6 +120,25 @@ private slots:
         QCOMPARE(OpenDatabase(), false);
         QCOMPARE(p.boxTitles(), QStringList{QStringLiteral("Database connection failed")});
         QVERIFY(!QFile::exists(ws.catalogueFile())); // no empty catalogue made in its place
+    }
+
+    // A pipe where the catalogue should be is refused at once by both
+    // commands of the tool (which open the catalogue as the program does),
+    // instead of waiting for ever for someone to write into it.
+    void catalogueThatIsNotAFileIsRefused_data() {
+        QTest::addColumn<QStringList>("args");
+        QTest::newRow("search") << QStringList{"search", "abba"};
+        QTest::newRow("import") << QStringList{"import", QDir::tempPath(), "--convention", "1"};
+    }
+    void catalogueThatIsNotAFileIsRefused() {
+        QFETCH(QStringList, args);
+        TestWorkspace ws(false);
+        QVERIFY(QFile::remove(ws.catalogueFile()));
+        QCOMPARE(::mkfifo(QFile::encodeName(ws.catalogueFile()).constData(), 0600), 0);
+        const kvtest::ChildResult r = kvtest::runTool(args, 20000);
+        QVERIFY2(r.finished, "the tool hung on the pipe");
+        QVERIFY(r.exitCode != 0);
+        QVERIFY2(r.err.contains("not a regular file"), r.err.constData());
     }
 
     // A leftover temporary file wins, and both files are archived.

@@ -1,5 +1,6 @@
 #include "core/cinifile.h"
 #include "core/kverror.h"
+#include "filerights.h"
 #include "testrunner.h"
 
 #include <QDir>
@@ -68,10 +69,12 @@ private slots:
 
     void failures() {
         const QString k = QStringLiteral("K"), v = QStringLiteral("v");
-        QCOMPARE(raised([&] { m_ini.GetStringValue(QStringLiteral("Settings"), k, {}); }), CIniFile::kFileNotFound);
+        QCOMPARE(raised([&] { m_ini.GetStringValue(QStringLiteral("Settings"), k, {}); }),
+                 CIniFile::kFileNotFound);
         writeAll(m_path, "[Settings]\nK=1\n");
         QCOMPARE(raised([&] { m_ini.SaveStringValue({}, k, v); }), CIniFile::kInvalidSection);
-        QCOMPARE(raised([&] { m_ini.SaveStringValue(QStringLiteral("Settings"), {}, v); }), CIniFile::kInvalidKey);
+        QCOMPARE(raised([&] { m_ini.SaveStringValue(QStringLiteral("Settings"), {}, v); }),
+                 CIniFile::kInvalidKey);
         QCOMPARE(raised([&] { m_ini.setFileName({}); }), CIniFile::kInvalidFileName);
         QCOMPARE(readAll(m_path), QByteArray("[Settings]\nK=1\n"));
     }
@@ -90,8 +93,8 @@ private slots:
             "; top\n[Settings]\nFONT=X\n; note\nB=2\n");
         row("append to section before blank", "[Settings]\nA=1\n\n[Jingles]\nJ=2\n", "Settings", "New", "v",
             "[Settings]\nA=1\nNew=v\n\n[Jingles]\nJ=2\n");
-        row("odd lines kept", "garbage line\n[Settings]\nno equals here\n\xff\xfe=bytes\nA=1\n", "Settings", "A",
-            "2", "garbage line\n[Settings]\nno equals here\n\xff\xfe=bytes\nA=2\n");
+        row("odd lines kept", "garbage line\n[Settings]\nno equals here\n\xff\xfe=bytes\nA=1\n", "Settings",
+            "A", "2", "garbage line\n[Settings]\nno equals here\n\xff\xfe=bytes\nA=2\n");
         row("line break folded", "[S]\n", "S", "K", "a\nb", "[S]\nK=a b\n");
     }
     void writesKeepOtherLinesInOrder() {
@@ -102,6 +105,24 @@ private slots:
         writeAll(m_path, before);
         m_ini.SaveStringValue(section, key, value);
         QTEST(readAll(m_path), "after");
+    }
+
+    // The file is read once and kept: a file that can no longer be read
+    // still answers from memory, while a file changed on disk is read again.
+    void readsComeFromMemoryUntilTheFileChanges() {
+        writeAll(m_path, "[Settings]\nA=1\n");
+        QCOMPARE(m_ini.GetNumericValue(QStringLiteral("Settings"), QStringLiteral("A"), 0), 1);
+        QVERIFY(QFile::setPermissions(m_path, QFileDevice::Permissions()));
+        {
+            WithoutFileRights rights;
+            QCOMPARE(m_ini.GetNumericValue(QStringLiteral("Settings"), QStringLiteral("A"), 0), 1);
+            QCOMPARE(m_ini.GetStringValue(QStringLiteral("Settings"), QStringLiteral("A"), {}), "1");
+        }
+        QVERIFY(QFile::setPermissions(m_path, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+        CIniFile other;
+        other.setFileName(m_path);
+        other.SaveStringValue(QStringLiteral("Settings"), QStringLiteral("A"), QStringLiteral("22"));
+        QCOMPARE(m_ini.GetNumericValue(QStringLiteral("Settings"), QStringLiteral("A"), 0), 22);
     }
 
     void readOnlyFileIsNotTouched() {

@@ -7,7 +7,12 @@
 #include "workspace.h"
 
 #include <QDir>
+#include <QScopeGuard>
+#include <QTemporaryFile>
 #include <QTest>
+
+#include <cstdio>
+#include <unistd.h>
 
 class TestErrorLog : public QObject {
     Q_OBJECT
@@ -44,6 +49,35 @@ private slots:
         QCOMPARE(p.countTitle("Korvane Error"), 2);
     }
 
+    // A log that cannot be written (here a folder holds its name) is said on
+    // standard error with the record, and the box tells the error itself
+    // instead of asking for a log that does not hold it.
+    void unwritableLogIsToldOnStandardError() {
+        TestWorkspace ws(false);
+        ScriptedPrompts p;
+        QVERIFY(QDir().mkpath(errorLogPath()));
+        QTemporaryFile captured;
+        QVERIFY(captured.open());
+        std::fflush(stderr);
+        const int saved = ::dup(2);
+        ::dup2(captured.handle(), 2);
+        {
+            const auto restore = qScopeGuard([saved] {
+                std::fflush(stderr);
+                ::dup2(saved, 2);
+                ::close(saved);
+            });
+            LogError("Disk full", "KvApp.frmMain.FilterIt", 3);
+        }
+        captured.seek(0);
+        const QByteArray err = captured.readAll();
+        QVERIFY2(err.contains("KVError.log cannot be written") && err.contains("Disk full") &&
+                     err.contains("KvApp.frmMain.FilterIt"),
+                 err.constData());
+        QCOMPARE(p.boxTitles(), QStringList{QStringLiteral("Korvane Error")});
+        QVERIFY(p.calls[0].text.contains("Disk full"));
+        QVERIFY(!p.calls[0].text.contains("please send"));
+    }
 };
 
 KV_TEST_CLASS(TestErrorLog)

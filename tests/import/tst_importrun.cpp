@@ -1,5 +1,7 @@
 #include "catalogue/database.h"
+#include "childprocess.h"
 #include "core/globals.h"
+#include "filerights.h"
 #include "import/importrun.h"
 #include "import/importsession.h"
 #include "import/importtransaction.h"
@@ -14,6 +16,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -162,6 +168,87 @@ private slots:
         QCOMPARE(importSession().NewTrackCount - before, 200);
         QVERIFY(!InTransaction());
         QVERIFY(IsDatabaseOpen());
+    }
+
+    // Names that are not UTF-8 (Latin-1 names from old Windows discs) have no
+    // text that opens the file again: they are left out, never stored under a
+    // path that opens nothing, and each one is named to the host as it would
+    // read it, by the box at the end of the run and by the tool's output.
+    void namesThatAreNotUtf8AreLeftOutAndNamed() {
+        const QByteArray root = QFile::encodeName(tree());
+        for (const QByteArray& rel : {QByteArray("A - Caf\xe9.mp3"), QByteArray("A - Caf\xe8.mp3"),
+                                      QByteArray("Don\x92t - Stop.zip"), QByteArray("Disc \xe9/B - C.mp3")}) {
+            if (rel.contains('/'))
+                QVERIFY(::mkdir((root + rel.left(rel.indexOf('/'))).constData(), 0700) == 0);
+            const int fd = ::open((root + rel).constData(), O_CREAT | O_WRONLY, 0600);
+            QVERIFY(fd >= 0);
+            ::close(fd);
+        }
+        touch(tree(QStringLiteral("Plain - Song.mp3")));
+        const QStringList named = {QStringLiteral("A - Café.mp3"), QStringLiteral("A - Cafè.mp3"),
+                                   QStringLiteral("Disc é/B - C.mp3"),
+                                   QStringLiteral("Don\u2019t - Stop.zip")};
+
+        m_run->GetTracks(tree(), 1);
+        for (const QString& path : catalogue(QStringLiteral("TrackPath")))
+            QVERIFY2(QFile::exists(path), qPrintable(path));
+        QCOMPARE(catalogue(QStringLiteral("TrackPath")),
+                 QStringList{tree(QStringLiteral("Plain - Song.mp3"))});
+        QCOMPARE(m_prompts->boxTitles(), QStringList{QStringLiteral("Files Not Imported")});
+        for (const QString& name : named)
+            QVERIFY2(m_prompts->calls[0].text.contains(tree(name)), qPrintable(m_prompts->calls[0].text));
+
+        CloseDatabase();
+        const kvtest::ChildResult tool = kvtest::runTool({"import", tree(), "--convention", "1"});
+        QCOMPARE(tool.exitCode, 0);
+        QStringList listed;
+        for (const QByteArray& line : tool.out.split('\n'))
+            if (line.startsWith("not imported"))
+                listed << QString::fromUtf8(line.mid(line.indexOf(": ") + 2));
+        listed.sort();
+        QStringList expected;
+        for (const QString& name : named)
+            expected << tree(name);
+        expected.sort();
+        QCOMPARE(listed, expected);
+        QVERIFY(OpenDatabase());
+    }
+
+    // A folder given as a relative or untidy path is stored under its
+    // absolute clean path, so that a later import of the same folder by its
+    // absolute path finds every song already there.
+    void toolStoresAbsoluteCleanPaths() {
+        touch(tree(QStringLiteral("songs/A - Song.zip")));
+        CloseDatabase(); // the tool opens the catalogue itself
+        const kvtest::ChildResult first =
+            kvtest::runTool({"import", "./songs/../songs/", "--convention", "1"}, 60000, tree());
+        QCOMPARE(first.exitCode, 0);
+        const kvtest::ChildResult again = kvtest::runTool({"import", tree("songs"), "--convention", "1"});
+        QCOMPARE(again.exitCode, 0);
+        QVERIFY2(again.out.contains("new 0"), again.out.constData());
+        QVERIFY(OpenDatabase());
+        QCOMPARE(catalogue(QStringLiteral("TrackPath")),
+                 QStringList{tree(QStringLiteral("songs/A - Song.zip"))});
+    }
+
+    // A folder that cannot be opened is reported, and the run still ends:
+    // the next press of the button imports rather than asking to cancel.
+    void unreadableFolderEndsTheRun() {
+        touch(tree(QStringLiteral("locked/A - B.zip")));
+        touch(tree(QStringLiteral("open/C - D.zip")));
+        QVERIFY(QFile::setPermissions(tree(QStringLiteral("locked")), QFileDevice::Permissions()));
+        {
+            WithoutFileRights rights;
+            m_run->GetTracks(tree(QStringLiteral("locked")), 1);
+        }
+        QVERIFY(QFile::setPermissions(tree(QStringLiteral("locked")), QFileDevice::ReadOwner |
+                                                                          QFileDevice::WriteOwner |
+                                                                          QFileDevice::ExeOwner));
+        QCOMPARE(m_prompts->boxTitles(), QStringList{QStringLiteral("Application Error")});
+        QVERIFY(!m_run->ImportRunning);
+        m_run->GetTracks(tree(QStringLiteral("open")), 1);
+        QCOMPARE(m_prompts->countTitle(QStringLiteral("Cancel Import")), 0);
+        QCOMPARE(trackCount(), 1);
     }
 
     // A folder that goes away while the walk is on: the box, then the walk
