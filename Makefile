@@ -2,7 +2,7 @@
 BUILD ?= build
 BUILD_TYPE ?= RelWithDebInfo
 
-.PHONY: all deps build run test bench clean format
+.PHONY: all deps build run test rehearsal bench clean format
 
 all: build
 
@@ -19,6 +19,10 @@ run: build
 
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure --repeat until-pass:2
+
+# The show rehearsal alone (it is part of `make test` too).
+rehearsal: build
+	ctest --test-dir $(BUILD) -L rehearsal --output-on-failure
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b || exit 1; done

@@ -1,9 +1,15 @@
 #include "scriptedprompts.h"
 
-ScriptedPrompts::ScriptedPrompts() : m_previous(&prompts()) { setPrompts(this); }
-ScriptedPrompts::~ScriptedPrompts() { setPrompts(m_previous); }
+ScriptedPrompts::ScriptedPrompts() : m_previous(&prompts()) {
+    setPrompts(this);
+}
+ScriptedPrompts::~ScriptedPrompts() {
+    setPrompts(m_previous);
+}
 
-QVariant ScriptedPrompts::next() { return m_answers.isEmpty() ? QVariant() : m_answers.dequeue(); }
+QVariant ScriptedPrompts::next() {
+    return m_answers.isEmpty() ? QVariant() : m_answers.dequeue();
+}
 
 QStringList ScriptedPrompts::boxTitles() const {
     QStringList t;
@@ -13,7 +19,9 @@ QStringList ScriptedPrompts::boxTitles() const {
     return t;
 }
 
-int ScriptedPrompts::countTitle(const QString& title) const { return int(boxTitles().count(title)); }
+int ScriptedPrompts::countTitle(const QString& title) const {
+    return int(boxTitles().count(title));
+}
 
 int ScriptedPrompts::msgBox(const QString& text, int style, const QString& title) {
     calls.append({QStringLiteral("msgBox"), title, text, style});
@@ -21,12 +29,16 @@ int ScriptedPrompts::msgBox(const QString& text, int style, const QString& title
     return a.isValid() ? a.toInt() : firstButton(style);
 }
 
-// No test answers the input box or the choosers: each is recorded and cancelled.
+// The input box and the colour and font choosers are recorded and cancelled.
 std::optional<QString> ScriptedPrompts::inputBox(const QString& text, const QString& title, const QString&) {
-    return nextText(QStringLiteral("inputBox"), title, text), std::nullopt;
+    calls.append({QStringLiteral("inputBox"), title, text, 0});
+    return std::nullopt;
 }
+// A file or folder chooser returns the next answer when it is a text, else it is cancelled.
 QString ScriptedPrompts::nextText(const QString& kind, const QString& title, const QString& text) {
     calls.append({kind, title, text, 0});
+    if (!m_answers.isEmpty() && m_answers.head().typeId() == QMetaType::QString)
+        return m_answers.dequeue().toString();
     return {};
 }
 QString ScriptedPrompts::openFile(const QString& title, const QString& folder, const QString&) {
@@ -39,8 +51,10 @@ QString ScriptedPrompts::chooseFolder(const QString& title, const QString& folde
     return nextText(QStringLiteral("chooseFolder"), title, folder);
 }
 std::optional<QColor> ScriptedPrompts::chooseColor(const QColor&) {
-    return nextText(QStringLiteral("chooseColor"), {}, {}), std::nullopt;
+    calls.append({QStringLiteral("chooseColor"), {}, {}, 0});
+    return std::nullopt;
 }
 std::optional<QFont> ScriptedPrompts::chooseFont(const QFont&) {
-    return nextText(QStringLiteral("chooseFont"), {}, {}), std::nullopt;
+    calls.append({QStringLiteral("chooseFont"), {}, {}, 0});
+    return std::nullopt;
 }

@@ -14,7 +14,8 @@
 class ScriptedPrompts : public Prompts {
 public:
     struct Call {
-        QString kind;  // "msgBox", "inputBox", "openFile", "saveFile", "chooseFolder", "chooseColor", "chooseFont"
+        QString
+            kind; // "msgBox", "inputBox", "openFile", "saveFile", "chooseFolder", "chooseColor", "chooseFont"
         QString title;
         QString text;
         int style = 0;
@@ -23,7 +24,8 @@ public:
     ScriptedPrompts();
     ~ScriptedPrompts() override;
 
-    // Queue a button number for the next message box.
+    // Queue a button number for the next message box, or a path for the next
+    // file or folder chooser.
     void answer(const QVariant& a) { m_answers.enqueue(a); }
 
     QList<Call> calls;
