@@ -259,20 +259,29 @@ void WinAMP_Control::DisableShuffle() {
 
 void WinAMP_Control::play() {
     const auto idle = m_conn.property(QStringLiteral("idle-active"));
-    m_conn.setProperty(QStringLiteral("pause"), false);
-    if (idle && idle->toBool()) {
-        const auto count = m_conn.property(QStringLiteral("playlist-count"));
-        if (!count || count->toInt() < 1)
-            return;
-        const auto pos = m_conn.property(QStringLiteral("playlist-pos"));
-        const int index = pos && pos->toInt() >= 0 ? pos->toInt() : 0;
-        m_conn.command({QStringLiteral("playlist-play-index"), index});
-    } else if (idle && !idle->toBool() && m_conn.isOpen()) {
-        // Play while playing starts the song again, as a player's play button does.
+    if (!idle)
+        return;
+    if (!idle->toBool()) {
+        // A paused song goes on from where it stopped; play while playing starts
+        // the song again, as a player's play button does. The pause is read before
+        // anything changes it.
         const auto paused = m_conn.property(QStringLiteral("pause"));
-        if (paused && !paused->toBool())
+        if (!paused)
+            return;
+        if (paused->toBool())
+            m_conn.setProperty(QStringLiteral("pause"), false);
+        else
             m_conn.command({QStringLiteral("seek"), 0, QStringLiteral("absolute")});
+        return;
     }
+    // Stopped: whatever was paused before the stop must not start paused.
+    m_conn.setProperty(QStringLiteral("pause"), false);
+    const auto count = m_conn.property(QStringLiteral("playlist-count"));
+    if (!count || count->toInt() < 1)
+        return;
+    const auto pos = m_conn.property(QStringLiteral("playlist-pos"));
+    const int index = pos && pos->toInt() >= 0 ? pos->toInt() : 0;
+    m_conn.command({QStringLiteral("playlist-play-index"), index});
 }
 
 void WinAMP_Control::SendCommand(int commandId) {

@@ -1,0 +1,123 @@
+#include "core/appsettings.h"
+#include "fakeplayback.h"
+#include "playback/transport.h"
+#include "playback/winamp_control.h"
+#include "playbackmedia.h"
+#include "scriptedprompts.h"
+#include "testrunner.h"
+#include "workspace.h"
+
+#include <QJsonValue>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+using namespace fakeplayback;
+using namespace playbackmedia;
+
+namespace {
+
+// How long a real player may take to answer on a loaded machine: a waited-for
+// state comes much sooner when all is well.
+constexpr int kPlayerSlack = 10000;
+
+// The play panel wired to a real player (silent and blind), with the queue and
+// the labels faked: the transport's timers run for real, as during a show.
+struct LiveRig {
+    QStringList journal;
+    WinAMP_Control link;
+    modPacemaker pacemaker{link};
+    FakeQueue queue{journal};
+    FakeView view{journal};
+    SongStarter starter{link, pacemaker, queue, view};
+    Transport transport{link, starter, queue, view};
+
+    QJsonValue prop(const char* name) {
+        return link.connection().property(QString::fromLatin1(name)).value_or(QJsonValue());
+    }
+    QString playing() { return prop("path").toString(); }
+    double position() { return prop("time-pos").toDouble(-1); }
+    // How many times a queue row was taken up to be played.
+    int starts() const { return int(journal.filter(QStringLiteral("GetDetailsFromRow:")).size()); }
+};
+
+} // namespace
+
+// The transport against a real player, the way a host meets it in front of a
+// room: pausing, a player that stalls, restarts and stops in quick succession.
+class TestLiveShow : public QObject {
+    Q_OBJECT
+    std::unique_ptr<TestWorkspace> m_ws;
+    std::unique_ptr<ScriptedPrompts> m_prompts;
+    std::unique_ptr<LiveRig> m_rig;
+    QTemporaryDir m_media;
+    QString m_wrapper;
+    QStringList m_songs; // one file per singer, 30 seconds each
+
+    // Queues the first `n` songs and starts the first with the play button.
+    bool startShow(int n) {
+        for (int i = 0; i < n; ++i)
+            m_rig->queue.rows.append(song(QStringLiteral("Singer %1").arg(i), m_songs[i]));
+        m_rig->transport.btnPlayTrack_Click();
+        return QTest::qWaitFor([this] { return m_rig->position() >= 1.0; }, kPlayerSlack) &&
+               m_rig->playing() == m_songs[0];
+    }
+
+private slots:
+    void initTestCase() {
+        QVERIFY(m_media.isValid());
+        m_wrapper = writePlayerWrapper(m_media.path());
+        const QString first = m_media.filePath(QStringLiteral("Singer 0.mp3"));
+        QVERIFY(makeMp3(first, 30.0));
+        m_songs = {first};
+        for (int i = 1; i < 3; ++i) {
+            m_songs.append(m_media.filePath(QStringLiteral("Singer %1.mp3").arg(i)));
+            QVERIFY(QFile::copy(first, m_songs.last()));
+        }
+    }
+    void init() {
+        m_ws = std::make_unique<TestWorkspace>(true);
+        m_prompts = std::make_unique<ScriptedPrompts>();
+        Cfg = AppSettings();
+        Cfg.PlayFromPosition1 = true;
+        m_rig = std::make_unique<LiveRig>();
+        m_rig->link.setWinampPath(m_wrapper);
+        QVERIFY(m_rig->link.StartPlayer());
+    }
+    void cleanup() {
+        m_rig.reset();
+        m_prompts.reset();
+        m_ws.reset();
+    }
+
+    // Pause, then Pause again: the song goes on from where it was paused.
+    void pauseThenPauseGoesOn() {
+        QVERIFY(startShow(1));
+        QVERIFY(QTest::qWaitFor([this] { return m_rig->position() >= 2.0; }, kPlayerSlack));
+        m_rig->transport.btnPause_Click();
+        QCOMPARE(m_rig->link.GetStatus(), QStringLiteral("PAUSED"));
+        const double pausedAt = m_rig->position();
+        QTest::qWait(300);
+        QCOMPARE(m_rig->position(), pausedAt);
+        m_rig->transport.btnPause_Click();
+        QCOMPARE(m_rig->link.GetStatus(), QStringLiteral("PLAYING"));
+        // The position never falls back while the song goes on.
+        double lowest = pausedAt;
+        QVERIFY(QTest::qWaitFor(
+            [&] {
+                const double at = m_rig->position();
+                lowest = at < 0 ? lowest : std::min(lowest, at);
+                return at > pausedAt + 1.0;
+            },
+            kPlayerSlack));
+        QVERIFY2(lowest >= pausedAt - 0.1,
+                 qPrintable(QStringLiteral("%1 after %2").arg(lowest).arg(pausedAt)));
+        QCOMPARE(m_rig->playing(), m_songs[0]);
+        QCOMPARE(m_rig->starts(), 1);
+        QVERIFY(m_prompts->calls.isEmpty());
+    }
+};
+
+KV_TEST_CLASS(TestLiveShow)
+#include "tst_liveshow.moc"
