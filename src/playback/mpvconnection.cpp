@@ -13,6 +13,7 @@ MpvConnection::~MpvConnection() {
 
 bool MpvConnection::adoptDescriptor(int fd) {
     close();
+    m_stalled = false;
     m_socket = std::make_unique<QLocalSocket>();
     if (!m_socket->setSocketDescriptor(fd)) {
         m_socket.reset();
@@ -23,6 +24,7 @@ bool MpvConnection::adoptDescriptor(int fd) {
 
 bool MpvConnection::connectToPath(const QString& path, int timeoutMs) {
     close();
+    m_stalled = false;
     m_socket = std::make_unique<QLocalSocket>();
     m_socket->connectToServer(path);
     if (!m_socket->waitForConnected(timeoutMs)) {
@@ -44,28 +46,52 @@ bool MpvConnection::isOpen() const {
     return m_socket && m_socket->state() == QLocalSocket::ConnectedState;
 }
 
+void MpvConnection::markUnanswered(const QString& reason) {
+    if (m_stalled)
+        return;
+    m_stalled = true;
+    if (m_onStall)
+        m_onStall(reason);
+}
+
+bool MpvConnection::drainArrived() {
+    const qsizetype before = m_pending.size();
+    if (m_socket->bytesAvailable() > 0 || m_socket->waitForReadyRead(0))
+        m_pending += m_socket->readAll();
+    return m_pending.size() > before;
+}
+
 MpvConnection::Reply MpvConnection::request(const QJsonValue& command) {
     Reply r;
     if (!isOpen()) {
         r.error = QStringLiteral("not connected");
+        markUnanswered(r.error);
         return r;
     }
+    // A stalled player that has since said anything (a late reply, an event) is back.
+    if (m_stalled && drainArrived())
+        markAnswered();
     const qint64 id = m_nextId++;
     QJsonObject msg{{QStringLiteral("command"), command}, {QStringLiteral("request_id"), id}};
     QByteArray line = QJsonDocument(msg).toJson(QJsonDocument::Compact);
     line += '\n';
-    QDeadlineTimer deadline(m_timeoutMs);
+    QDeadlineTimer deadline(m_stalled ? std::min(m_timeoutMs, kStalledWaitMs) : m_timeoutMs);
     m_socket->write(line);
     while (m_socket->bytesToWrite() > 0) {
         if (!m_socket->waitForBytesWritten(int(deadline.remainingTime()))) {
             r.error = QStringLiteral("time-out writing to the player");
+            markUnanswered(r.error);
             return r;
         }
     }
     const auto reply = readReply(id, int(deadline.remainingTime()), &r.error);
-    if (!reply)
+    if (!reply) {
+        markUnanswered(r.error);
         return r;
+    }
+    markAnswered();
     const QJsonObject obj = reply->toObject();
+    r.answered = true;
     r.error = obj.value(QStringLiteral("error")).toString();
     r.ok = r.error == QLatin1String("success");
     r.data = obj.value(QStringLiteral("data"));

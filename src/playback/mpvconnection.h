@@ -3,6 +3,7 @@
 #include <QJsonValue>
 #include <QString>
 #include <QVariant>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -11,14 +12,19 @@ class QLocalSocket;
 // One connection to a player's JSON IPC channel. Every request is synchronous:
 // it writes one line, then waits for the reply that carries its request_id,
 // passing over event lines and stale replies, for at most the time-out. A
-// player that hangs or has gone costs the caller that time-out and no more.
+// player that hangs or has gone costs the caller that time-out once: from the
+// first request it leaves unanswered until anything comes from it again, the
+// connection counts as stalled and waits only briefly for each reply, so that
+// a stall does not hold the caller a second per request.
 class MpvConnection {
 public:
     struct Reply {
-        bool ok = false; // the player answered with "success"
-        QString error;   // the player's error text, or ours for a transport failure
-        QJsonValue data; // the "data" member of the reply
+        bool ok = false;       // the player answered with "success"
+        bool answered = false; // the player answered at all (ok or not)
+        QString error;         // the player's error text, or ours for a transport failure
+        QJsonValue data;       // the "data" member of the reply
     };
+    static constexpr int kStalledWaitMs = 100;
 
     MpvConnection();
     ~MpvConnection();
@@ -35,6 +41,14 @@ public:
     void setTimeout(int ms) { m_timeoutMs = ms; }
     int timeout() const { return m_timeoutMs; }
 
+    // The last request went unanswered (time-out or a closed connection), and
+    // nothing has come from the player since.
+    bool isStalled() const { return m_stalled; }
+    // Called once when the connection becomes stalled, with what went wrong.
+    void setStallHandler(std::function<void(const QString& reason)> handler) {
+        m_onStall = std::move(handler);
+    }
+
     // Sends `command` (a JSON array, or an object of named arguments) and waits
     // for its reply.
     Reply request(const QJsonValue& command);
@@ -46,9 +60,15 @@ public:
 
 private:
     std::optional<QJsonValue> readReply(qint64 id, int timeoutMs, QString* error);
+    // Takes in what has arrived without waiting; true when anything came.
+    bool drainArrived();
+    void markAnswered() { m_stalled = false; }
+    void markUnanswered(const QString& reason);
 
     std::unique_ptr<QLocalSocket> m_socket;
     QByteArray m_pending;
     qint64 m_nextId = 1;
     int m_timeoutMs = 1000;
+    bool m_stalled = false;
+    std::function<void(const QString&)> m_onStall;
 };

@@ -123,7 +123,11 @@ void Transport::queueRow_DblClick(int row) {
 
 void Transport::tmrUpdateClock_Timer() {
     quietly([this] {
-        if (m_player.rawStatus() == PlayerLink::RawStopped) {
+        const int raw = m_player.rawStatus();
+        // A player that gives no answer leaves the clock as it was.
+        if (raw == PlayerLink::RawNoAnswer)
+            return;
+        if (raw == PlayerLink::RawStopped) {
             m_view.showClock(FormatTime(0), FormatTime(0));
             return;
         }
@@ -141,6 +145,8 @@ void Transport::tmrAutoplay_Timer() {
             tmrAutoplay.stop();
             return;
         }
+        // Only a stop the player reports ends the song: playing, paused and no
+        // answer at all (a player stalled for a moment) all leave it on.
         if (m_player.GetStatus() != QLatin1String("STOPPED"))
             return;
         if (m_useDelay) {

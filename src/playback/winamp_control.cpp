@@ -1,6 +1,7 @@
 #include "winamp_control.h"
 
 #include "core/capplicationpaths.h"
+#include "core/errorlog.h"
 #include "core/globals.h"
 #include "core/pathhelpers.h"
 #include "core/prompts.h"
@@ -51,6 +52,21 @@ const QString kMpvConf =
 WinAMP_Control::WinAMP_Control(QObject* parent) : QObject(parent), m_wait(pumpingWait) {
     m_fadeTimer.setInterval(kFadeMs / kFadeSteps);
     connect(&m_fadeTimer, &QTimer::timeout, this, [this] { fadeStep(); });
+    m_conn.setStallHandler([this](const QString& reason) { logStall(reason); });
+}
+
+void WinAMP_Control::logStall(const QString& reason) {
+    // A player being looked for is not yet ours to complain about.
+    if (!m_connected)
+        return;
+    try {
+        LogErrorQuietly(QStringLiteral("The player gave no answer (%1). Its last state holds until it "
+                                       "answers again; a song is not taken for ended meanwhile.")
+                            .arg(reason),
+                        QStringLiteral("KvApp.WinAMP_Control"), 0);
+    } catch (...) {
+        // A log that cannot be written must not stop the show.
+    }
 }
 
 WinAMP_Control::~WinAMP_Control() {
@@ -174,10 +190,17 @@ void WinAMP_Control::ClearPlaylist() {
 }
 
 int WinAMP_Control::rawStatus() {
+    if (!m_connected)
+        return RawStopped;
+    // A question the player leaves unanswered is no answer, never a stop.
     const auto idle = m_conn.property(QStringLiteral("idle-active"));
-    if (!idle || idle->toBool(true))
+    if (!idle)
+        return m_conn.isStalled() ? RawNoAnswer : RawStopped;
+    if (idle->toBool(true))
         return RawStopped;
     const auto paused = m_conn.property(QStringLiteral("pause"));
+    if (!paused && m_conn.isStalled())
+        return RawNoAnswer;
     if (paused && paused->toBool())
         return RawPaused;
     return RawPlaying;

@@ -65,6 +65,8 @@ public:
 private:
     // The check that all but a few operations make: tells the host when there is no player.
     bool requirePlayer();
+    // Writes one record to the error log when the player stops answering.
+    void logStall(const QString& reason);
     QStringList playerArguments() const;
     void prepareConfigFolder() const;
     int secondsOf(const QString& property);

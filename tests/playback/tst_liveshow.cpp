@@ -7,10 +7,14 @@
 #include "testrunner.h"
 #include "workspace.h"
 
+#include <QElapsedTimer>
 #include <QJsonValue>
+#include <QScopeGuard>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
 #include <memory>
 
 using namespace fakeplayback;
@@ -115,6 +119,52 @@ private slots:
                  qPrintable(QStringLiteral("%1 after %2").arg(lowest).arg(pausedAt)));
         QCOMPARE(m_rig->playing(), m_songs[0]);
         QCOMPARE(m_rig->starts(), 1);
+        QVERIFY(m_prompts->calls.isEmpty());
+    }
+
+    // A player frozen for three seconds in the middle of a song, Auto Play on:
+    // afterwards the same song goes on and the queue has not moved. Meanwhile
+    // the window is never held for long, the clock keeps what it showed, and
+    // the stall is logged once.
+    void stalledPlayerIsNoEndOfTheSong() {
+        m_rig->transport.chkAutoPlay_Click(true);
+        m_rig->transport.tmrUpdateClock.start();
+        QVERIFY(startShow(3));
+        QCOMPARE(m_rig->transport.state(), Transport::State::Watching);
+        const int logged = TestWorkspace::errorLogRecords();
+        const pid_t pid = pid_t(m_rig->link.playerProcessId());
+        const double frozenAt = m_rig->position();
+        m_rig->view.clock.clear();
+
+        QElapsedTimer sinceBeat;
+        qint64 longestHold = 0;
+        QTimer beat;
+        beat.setInterval(20);
+        connect(&beat, &QTimer::timeout, this,
+                [&] { longestHold = std::max(longestHold, sinceBeat.restart()); });
+        sinceBeat.start();
+        beat.start();
+        QVERIFY(::kill(pid, SIGSTOP) == 0);
+        auto thaw = qScopeGuard([pid] { ::kill(pid, SIGCONT); });
+        QTest::qWait(3000);
+        thaw.dismiss();
+        QVERIFY(::kill(pid, SIGCONT) == 0);
+        beat.stop();
+
+        QVERIFY(QTest::qWaitFor([&] { return m_rig->position() > frozenAt + 1.0; }, kPlayerSlack));
+        // Let auto-play look at the player twice more now that it answers.
+        QSignalSpy looks(&m_rig->transport.tmrAutoplay, &QTimer::timeout);
+        QTest::qWaitFor([&] { return looks.size() >= 2 || !m_rig->transport.tmrAutoplay.isActive(); },
+                        kPlayerSlack);
+        QCOMPARE(m_rig->queue.rowCount(), 2);
+        QCOMPARE(m_rig->playing(), m_songs[0]);
+        QCOMPARE(m_rig->link.GetStatus(), QStringLiteral("PLAYING"));
+        QCOMPARE(m_rig->starts(), 1);
+        QVERIFY2(longestHold < 2500, qPrintable(QString::number(longestHold)));
+        QVERIFY2(!m_rig->view.clock.contains(QStringLiteral("0:00|0:00")),
+                 qPrintable(m_rig->view.clock.join(", ")));
+        QCOMPARE(TestWorkspace::errorLogRecords(), logged + 1);
+        QVERIFY(TestWorkspace::errorLog().contains(QStringLiteral("The player gave no answer")));
         QVERIFY(m_prompts->calls.isEmpty());
     }
 };
