@@ -332,10 +332,16 @@ void WinAMP_Control::SendCommand(int commandId) {
     case CmdPause:
         m_conn.command({QStringLiteral("cycle"), QStringLiteral("pause")});
         break;
-    case CmdStop:
-        cancelFade();
+    case CmdStop: {
+        // A stop during a fade stops first and only then puts the volume back,
+        // so that the song does not come back loud for a moment.
+        const bool fading = m_fadeTimer.isActive();
+        m_fadeTimer.stop();
         stop();
+        if (fading)
+            m_conn.setProperty(QStringLiteral("volume"), m_fadeVolume);
         break;
+    }
     case CmdFadeStop:
         startFade();
         break;

@@ -20,6 +20,7 @@ public:
     static constexpr int kRequestTimeoutMs = 1000;
     static constexpr int kStartProbeTimeoutMs = 250;
     static constexpr int kStopSettleMs = 500;
+    // The stop with fade-out lowers the volume in kFadeSteps over the fade time.
     static constexpr int kFadeMs = 2000;
     static constexpr int kFadeSteps = 20;
 
@@ -61,6 +62,8 @@ public:
     void removeAudioFilter(const QString& label) override;
 
     bool isFading() const { return m_fadeTimer.isActive(); }
+    // How long the stop with fade-out takes (kFadeMs unless changed).
+    void setFadeMs(int ms) { m_fadeTimer.setInterval(std::max(1, ms / kFadeSteps)); }
 
 private:
     // The check that all but a few operations make: tells the host when there is no player.

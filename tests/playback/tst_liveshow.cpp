@@ -25,6 +25,11 @@ namespace {
 // How long a real player may take to answer on a loaded machine: a waited-for
 // state comes much sooner when all is well.
 constexpr int kPlayerSlack = 10000;
+// Restarts are repeated this often: the timers they raced against gave the
+// fault in about one try in three.
+constexpr int kRestartTries = 30;
+// A short fade keeps the repetitions quick; the path is the same as with the long one.
+constexpr int kFadeMs = 200;
 
 // The play panel wired to a real player (silent and blind), with the queue and
 // the labels faked: the transport's timers run for real, as during a show.
@@ -166,6 +171,76 @@ private slots:
         QCOMPARE(TestWorkspace::errorLogRecords(), logged + 1);
         QVERIFY(TestWorkspace::errorLog().contains(QStringLiteral("The player gave no answer")));
         QVERIFY(m_prompts->calls.isEmpty());
+    }
+
+    // Restart with a fade while Auto Play is on, again and again: each time
+    // the same song starts again from its beginning and the queue stays.
+    void restartAlwaysRestartsTheSameSong() {
+        Cfg.NoFadeOnRestart = false;
+        m_rig->link.setFadeMs(kFadeMs);
+        m_rig->transport.chkAutoPlay_Click(true);
+        QVERIFY(startShow(2));
+        const QTimer& poll = m_rig->transport.tmrAutoplay;
+        for (int i = 0; i < kRestartTries; ++i) {
+            const QByteArray attempt = "attempt " + QByteArray::number(i);
+            // A host presses Restart at any moment of auto-play's poll: the tries
+            // sweep that moment across the poll's whole interval.
+            const int due = i * poll.interval() / kRestartTries;
+            double before = 0;
+            QVERIFY2(QTest::qWaitFor(
+                         [&] {
+                             const int left = poll.remainingTime();
+                             return (before = m_rig->position()) >= 0.2 && left >= due && left < due + 60;
+                         },
+                         kPlayerSlack),
+                     attempt);
+            m_rig->transport.btnRestart_Click();
+            QTest::qWaitFor(
+                [&] { return !m_rig->transport.tmrRestart.isActive() || m_rig->queue.rowCount() != 1; },
+                kPlayerSlack);
+            QVERIFY2(m_rig->queue.rowCount() == 1 && m_rig->starts() == 1, attempt);
+            QVERIFY2(!m_rig->transport.tmrRestart.isActive(), attempt);
+            QVERIFY2(QTest::qWaitFor(
+                         [&] {
+                             const double at = m_rig->position();
+                             return at >= 0 && at < before;
+                         },
+                         kPlayerSlack),
+                     attempt);
+            QVERIFY2(m_rig->playing() == m_songs[0], attempt);
+            QVERIFY2(m_rig->transport.state() == Transport::State::Watching, attempt);
+        }
+        QVERIFY(m_prompts->calls.isEmpty());
+    }
+
+    // Stop pressed at any moment of a restart's fade, or just after it, wins:
+    // the song stays stopped.
+    void stopWinsOverAPendingRestart() {
+        Cfg.NoFadeOnRestart = false;
+        m_rig->link.setFadeMs(kFadeMs);
+        m_rig->transport.chkAutoPlay_Click(true);
+        QVERIFY(startShow(2));
+        for (int i = 0; i < kRestartTries; ++i) {
+            const QByteArray attempt = "attempt " + QByteArray::number(i);
+            if (i > 0) {
+                m_rig->link.SendCommand(PlayerLink::CmdPlay);
+                QVERIFY2(QTest::qWaitFor([&] { return m_rig->link.GetStatus() == "PLAYING"; }, kPlayerSlack),
+                         attempt);
+                m_rig->transport.chkAutoPlay_Click(true);
+            }
+            QElapsedTimer sinceRestart;
+            sinceRestart.start();
+            m_rig->transport.btnRestart_Click();
+            QTest::qWait(i * (kFadeMs + 100) / kRestartTries);
+            m_rig->transport.btnStop_Click();
+            // A restart still pending would come within one tick of its timer.
+            QTest::qWait(int(
+                std::max<qint64>(0, m_rig->transport.tmrRestart.interval() + 150 - sinceRestart.elapsed())));
+            QVERIFY2(m_rig->link.GetStatus() == "STOPPED", attempt);
+            QVERIFY2(m_rig->transport.state() == Transport::State::Idle, attempt);
+        }
+        QCOMPARE(m_rig->queue.rowCount(), 1);
+        QCOMPARE(m_rig->starts(), 1);
     }
 };
 
