@@ -1,5 +1,7 @@
 #include "mpvconnection.h"
 
+#include "playback/playersocket.h"
+
 #include <QDeadlineTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -25,10 +27,14 @@ bool MpvConnection::adoptDescriptor(int fd) {
 bool MpvConnection::connectToPath(const QString& path, int timeoutMs) {
     close();
     m_stalled = false;
+    // Only a socket of this user's, with a process of this user's behind it.
+    if (!PlayerSocket::isOwnSocket(path))
+        return false;
     m_socket = std::make_unique<QLocalSocket>();
     m_socket->connectToServer(path);
-    if (!m_socket->waitForConnected(timeoutMs)) {
-        m_socket.reset();
+    if (!m_socket->waitForConnected(timeoutMs) ||
+        !PlayerSocket::peerIsOwnUser(int(m_socket->socketDescriptor()))) {
+        close();
         return false;
     }
     return true;

@@ -33,7 +33,8 @@ public:
 
     // Takes over one end of a socket pair whose other end the player holds.
     bool adoptDescriptor(int fd);
-    // Connects to a player's listening socket.
+    // Connects to a player's listening socket: only to a socket this user owns,
+    // and the connection is dropped when the process behind it is someone else's.
     bool connectToPath(const QString& path, int timeoutMs);
     void close();
     bool isOpen() const;

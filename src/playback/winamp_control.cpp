@@ -6,6 +6,7 @@
 #include "core/pathhelpers.h"
 #include "core/prompts.h"
 #include "playback/cdgnormaliser.h"
+#include "playback/playersocket.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -15,16 +16,12 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QStandardPaths>
 #include <QUrl>
 
 #include <cmath>
 #include <unistd.h>
 
 namespace {
-
-// A socket path must fit sockaddr_un (108 bytes with its terminator).
-constexpr int kMaxSocketPath = 100;
 
 void pumpingWait(int ms) {
     QDeadlineTimer deadline(ms);
@@ -75,11 +72,7 @@ WinAMP_Control::~WinAMP_Control() {
 }
 
 QString WinAMP_Control::playerSocketPath() {
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    QString path = AddBackslash(folder) + kPlayerClass;
-    if (folder.isEmpty() || path.toUtf8().size() > kMaxSocketPath)
-        path = QStringLiteral("/tmp/%1-%2").arg(kPlayerClass).arg(::getuid());
-    return path;
+    return PlayerSocket::path();
 }
 
 QString WinAMP_Control::playerConfigFolder() {
@@ -102,14 +95,18 @@ void WinAMP_Control::prepareConfigFolder() const {
 }
 
 QStringList WinAMP_Control::playerArguments() const {
-    return {QStringLiteral("--idle=yes"),
-            QStringLiteral("--force-window=yes"),
-            QStringLiteral("--keep-open=no"),
-            QStringLiteral("--no-terminal"),
-            QStringLiteral("--config-dir=") + playerConfigFolder(),
-            QStringLiteral("--x11-name=") + kPlayerClass,
-            QStringLiteral("--title=Korvane"),
-            QStringLiteral("--input-ipc-server=") + playerSocketPath()};
+    QStringList args = {QStringLiteral("--idle=yes"),
+                        QStringLiteral("--force-window=yes"),
+                        QStringLiteral("--keep-open=no"),
+                        QStringLiteral("--no-terminal"),
+                        QStringLiteral("--config-dir=") + playerConfigFolder(),
+                        QStringLiteral("--x11-name=") + kPlayerClass,
+                        QStringLiteral("--title=Korvane")};
+    // Without a private place for it the player has no socket; the program
+    // itself talks to it over the socket pair all the same.
+    if (const QString socket = playerSocketPath(); !socket.isEmpty())
+        args.append(QStringLiteral("--input-ipc-server=") + socket);
+    return args;
 }
 
 bool WinAMP_Control::FindPlayer() {
@@ -117,7 +114,8 @@ bool WinAMP_Control::FindPlayer() {
     bool found = m_conn.isOpen() && m_conn.property(QStringLiteral("mpv-version")).has_value();
     if (!found) {
         // Not our own instance (or it has gone): look for one by its socket.
-        found = m_conn.connectToPath(playerSocketPath(), kRequestTimeoutMs) &&
+        const QString socket = playerSocketPath();
+        found = !socket.isEmpty() && m_conn.connectToPath(socket, kRequestTimeoutMs) &&
                 m_conn.property(QStringLiteral("mpv-version")).has_value();
         if (found)
             m_conn.command({QStringLiteral("disable_event"), QStringLiteral("all")});

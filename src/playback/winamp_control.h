@@ -34,7 +34,8 @@ public:
     int LastPlayResult() const { return m_lastPlayResult; }
     // How StartPlayer waits; by default it keeps the event loop turning.
     void setWaiter(std::function<void(int ms)> wait) { m_wait = std::move(wait); }
-    // Where the private instance listens, so that another copy of the program finds it.
+    // Where the private instance listens, so that another copy of the program
+    // finds it: a socket in a folder of this user's own (empty when there is none).
     static QString playerSocketPath();
     // The player's private configuration folder (below the working folder).
     static QString playerConfigFolder();
