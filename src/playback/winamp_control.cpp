@@ -95,13 +95,13 @@ void WinAMP_Control::prepareConfigFolder() const {
 }
 
 QStringList WinAMP_Control::playerArguments() const {
-    QStringList args = {QStringLiteral("--idle=yes"),
-                        QStringLiteral("--force-window=yes"),
-                        QStringLiteral("--keep-open=no"),
-                        QStringLiteral("--no-terminal"),
+    QStringList args = {QStringLiteral("--idle=yes"), QStringLiteral("--force-window=yes"),
+                        QStringLiteral("--keep-open=no"), QStringLiteral("--no-terminal"),
                         QStringLiteral("--config-dir=") + playerConfigFolder(),
-                        QStringLiteral("--x11-name=") + kPlayerClass,
-                        QStringLiteral("--title=Korvane")};
+                        QStringLiteral("--x11-name=") + kPlayerClass, QStringLiteral("--title=Korvane"),
+                        // The room sees this window: no on-screen controller, which
+                        // also draws the logo and "drop files here" between songs.
+                        QStringLiteral("--osc=no")};
     // Without a private place for it the player has no socket; the program
     // itself talks to it over the socket pair all the same.
     if (const QString socket = playerSocketPath(); !socket.isEmpty())
