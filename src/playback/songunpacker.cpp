@@ -41,8 +41,10 @@ SongUnpacker::SongUnpacker(QString unpackFolder, QString password)
     : UnpackFolder(AddBackslash(std::move(unpackFolder))), m_password(std::move(password)) {}
 
 bool SongUnpacker::IsArchive(const QString& path) {
-    return path.contains(QLatin1String(".zip"), Qt::CaseInsensitive) ||
-           path.contains(QLatin1String(".kma"), Qt::CaseInsensitive);
+    // The file's own extension decides: a folder named "Best.Zip Hits" holds
+    // plain songs like any other.
+    const QString ext = lowerExtension(path);
+    return ext == QLatin1String(".zip") || ext == QLatin1String(".kma");
 }
 
 void SongUnpacker::ResetZipDetails() {

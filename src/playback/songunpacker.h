@@ -41,7 +41,8 @@ public:
     QString UnpackFolder;
     QStringList writtenFiles() const { return m_written; }
 
-    // True when the path names an archive: ".zip" or ".kma" anywhere in it, in any case.
+    // True when the file's own name ends in ".zip" or ".kma", in any case; the
+    // folders above it do not count.
     static bool IsArchive(const QString& path);
 
 private:

@@ -91,8 +91,9 @@ private slots:
         };
         QCOMPARE(m_rig->journal, expected);
         QVERIFY(m_prompts->calls.isEmpty());
-        QSqlQuery q = ExecuteSql("SELECT SingerName || '|' || Artist || '|' || Title || '|' || [Key] || '|' || "
-                                 "TrackPath FROM tblKaraokeTrackHistory");
+        QSqlQuery q =
+            ExecuteSql("SELECT SingerName || '|' || Artist || '|' || Title || '|' || [Key] || '|' || "
+                       "TrackPath FROM tblKaraokeTrackHistory");
         QVERIFY(q.next());
         QCOMPARE(q.value(0).toString(), "Ann|O'Brien|Tea, Two|-3|" + path);
     }
@@ -139,6 +140,31 @@ private slots:
         QCOMPARE((QList<int>{m_rig->queue.rowCount(), historyRows()}), (QList<int>{1, 0}));
     }
 
+    // Only the file's own name makes an archive: a song in a folder named like
+    // one plays as the plain file it is.
+    void archiveByItsOwnName_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("archive");
+        QTest::newRow("mp3 in a .zip-named folder") << "Best.Zip Hits/Song.mp3" << false;
+        QTest::newRow("zip in a .zip-named folder") << "Best.Zip Hits/Song.ZIP" << true;
+        QTest::newRow("ogg in a .kma-named folder") << "Old.kma/Song.ogg" << false;
+        QTest::newRow(".kma in any case") << "Song.Kma" << true;
+        QTest::newRow(".zip inside the name") << "Song.zip.mp3" << false;
+    }
+    void archiveByItsOwnName() {
+        QFETCH(QString, name);
+        QFETCH(bool, archive);
+        const QString path = songPath(name);
+        QCOMPARE(SongUnpacker::IsArchive(path), archive);
+        if (archive)
+            return;
+        QVERIFY(writeFile(path, kMp3));
+        m_rig->queue.rows = {song("Ann", path)};
+        QVERIFY(m_rig->starter.PlayKaraoke(0));
+        QVERIFY(m_rig->journal.contains("PlayFile:" + path));
+        QVERIFY(m_prompts->calls.isEmpty());
+    }
+
     // Archives good and bad: a bad one is told by name, plays nothing, keeps
     // the row and leaves nothing unpacked.
     void archives_data() {
@@ -167,7 +193,8 @@ private slots:
             << "Song.kma" << zip({{"s.cdg", cdg}, {"s.ogg", kMp3}}) << "" << QStringList{} << ".ogg" << 0;
         QTest::newRow("neither") << "Neither.zip" << zip({{"notes.txt", "x"}}) << ""
                                  << QStringList{"Missing CDG File", "Missing Audio File"} << "" << 0;
-        QTest::newRow("password right") << "Locked.zip" << locked << "s3cret, ü" << QStringList{} << ".mp3" << 0;
+        QTest::newRow("password right")
+            << "Locked.zip" << locked << "s3cret, ü" << QStringList{} << ".mp3" << 0;
         QTest::newRow("password wrong") << "Locked.zip" << locked << "not it" << unzipError << "" << 0;
         QTest::newRow("not a zip at all")
             << "Bad.zip" << QByteArray(3000, 'q') << "" << unzipError << "" << 1000 + ZIP_ER_NOZIP;
