@@ -57,12 +57,13 @@ void SongStarter::showCurrentSong() {
 
 bool SongStarter::UnpackSong(const SelectedSong& song) {
     const QString path = song.TrackPath;
-    SongUnpacker zip(unpackFolder(), ArchivePassword);
+    SongUnpacker zip(unpackFolder(), ArchivePassword, m_freeSpace);
     const int result = zip.unpack(path);
     if (result != SongUnpacker::Ok && result != SongUnpacker::SomeSkipped) {
+        // The number says which failure it was; the line under it says it in words.
         prompts().msgBox(QStringLiteral("There was an Error unzipping the file ") + path +
                              QStringLiteral("\nPlease Check This File For Errors: \n") +
-                             QString::number(result),
+                             QString::number(result) + QLatin1Char('\n') + SongUnpacker::describe(result),
                          Prompts::OkOnly, QString());
         return false;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "playback/playbackseams.h"
+#include "playback/songunpacker.h"
 
 #include <QString>
 
@@ -21,6 +22,8 @@ public:
 
     void setAnnouncements(AnnouncementSink* sink) { m_announcements = sink; }
     void setJingles(JingleAccess* jingles) { m_jingles = jingles; }
+    // Stands in for the disk's free space when songs are unpacked (by default the disk's own figure).
+    void setFreeSpaceProbe(SongUnpacker::FreeSpaceProbe probe) { m_freeSpace = std::move(probe); }
 
     // Plays queue row `row` (from 0). True when the song was started, that is
     // when the play command went out; false when it stopped on the way (empty
@@ -50,6 +53,7 @@ private:
     NowPlayingView& m_view;
     AnnouncementSink* m_announcements = nullptr;
     JingleAccess* m_jingles = nullptr;
+    SongUnpacker::FreeSpaceProbe m_freeSpace;
     QString m_playFile;
     QString m_currentPerformer;
     QString m_currentArtist;

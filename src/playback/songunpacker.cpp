@@ -10,6 +10,7 @@
 
 #include <zip.h>
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -37,8 +38,61 @@ bool matchesFilter(const QString& ext) {
 
 } // namespace
 
-SongUnpacker::SongUnpacker(QString unpackFolder, QString password)
-    : UnpackFolder(AddBackslash(std::move(unpackFolder))), m_password(std::move(password)) {}
+SongUnpacker::SongUnpacker(QString unpackFolder, QString password, FreeSpaceProbe freeSpace)
+    : UnpackFolder(AddBackslash(std::move(unpackFolder))), m_password(std::move(password)),
+      m_freeSpace(std::move(freeSpace)) {
+    if (!m_freeSpace)
+        m_freeSpace = [](const QString& folder) {
+            const QStorageInfo disk(folder);
+            return disk.isValid() ? disk.bytesAvailable() : std::numeric_limits<qint64>::max();
+        };
+}
+
+QString SongUnpacker::describe(int result) {
+    switch (result) {
+    case TooLarge:
+        return QStringLiteral("A song file in it is too large for the free space on the disk.");
+    case EntryTooLarge:
+        return QStringLiteral("A song file in it is far larger than any song needs.");
+    case Overrun:
+        return QStringLiteral("The archive is damaged or is not a zip file.");
+    case WriteFailed:
+        return QStringLiteral("The song could not be written to the Temp folder.");
+    default:
+        break;
+    }
+    switch (result - ZipErrorBase) {
+    case ZIP_ER_NOZIP:
+    case ZIP_ER_INCONS:
+    case ZIP_ER_CRC:
+    case ZIP_ER_ZLIB:
+    case ZIP_ER_EOF:
+    case ZIP_ER_COMPRESSED_DATA:
+        return QStringLiteral("The archive is damaged or is not a zip file.");
+    case ZIP_ER_NOPASSWD:
+        return QStringLiteral("The archive needs a password, and none is set.");
+    case ZIP_ER_WRONGPASSWD:
+        return QStringLiteral("The archive needs a different password from the one that is set.");
+    case ZIP_ER_OPEN:
+    case ZIP_ER_READ:
+    case ZIP_ER_SEEK:
+    case ZIP_ER_NOENT:
+        return QStringLiteral("The file could not be opened or read.");
+    case ZIP_ER_MULTIDISK:
+    case ZIP_ER_COMPNOTSUPP:
+    case ZIP_ER_ENCRNOTSUPP:
+        return QStringLiteral("The archive is packed in a way that cannot be unpacked here.");
+    case ZIP_ER_MEMORY:
+        return QStringLiteral("There was not enough memory to unpack it.");
+    default:
+        break;
+    }
+    zip_error_t error;
+    zip_error_init_with_code(&error, result - ZipErrorBase);
+    const QString text = QString::fromUtf8(zip_error_strerror(&error));
+    zip_error_fini(&error);
+    return text + QLatin1Char('.');
+}
 
 bool SongUnpacker::IsArchive(const QString& path) {
     // The file's own extension decides: a folder named "Best.Zip Hits" holds
@@ -103,13 +157,12 @@ int SongUnpacker::unpack(const QString& archive) {
             continue;
         }
         if (st.size > zip_uint64_t(kMaxEntryBytes))
-            return TooLarge;
+            return EntryTooLarge;
         const bool encrypted = (st.valid & ZIP_STAT_ENCRYPTION_METHOD) && st.encryption_method != ZIP_EM_NONE;
         plan.append({zip_uint64_t(i), ext, qint64(st.size), encrypted});
         total += qint64(st.size);
     }
-    const QStorageInfo disk(folder);
-    if (disk.isValid() && total > disk.bytesAvailable())
+    if (total > m_freeSpace(folder))
         return TooLarge;
 
     QByteArray buffer(256 * 1024, Qt::Uninitialized);

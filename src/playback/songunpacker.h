@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 // Takes a karaoke archive (.zip or .kma) apart for the player: the entries
 // whose names match the filter, in any sub-folder, are written into the unpack
@@ -18,20 +19,26 @@ public:
         Ok = 0,
         SomeSkipped = 526,
         ZipErrorBase = 1000,
-        TooLarge = 2001,    // an entry declares a size that is absurd or would not fit the disk
-        Overrun = 2002,     // an entry gave more bytes than it declared
-        WriteFailed = 2003, // the unpack folder could not be written
+        TooLarge = 2001,      // an entry would not fit in the free space of the disk
+        Overrun = 2002,       // an entry gave more bytes than it declared
+        WriteFailed = 2003,   // the unpack folder could not be written
+        EntryTooLarge = 2004, // an entry declares a size that no song file comes near
     };
+    // The free space of the disk that holds a folder, in bytes.
+    using FreeSpaceProbe = std::function<qint64(const QString& folder)>;
     // An entry above this is no karaoke song, whatever the disk could take.
     static constexpr qint64 kMaxEntryBytes = qint64(1) << 30;
 
     static inline const QStringList kFilter = {QStringLiteral("*.cdg"), QStringLiteral("*.mp3"),
                                                QStringLiteral("*.wma"), QStringLiteral("*.ogg")};
 
-    SongUnpacker(QString unpackFolder, QString password);
+    // `freeSpace` stands in for the disk's own figure when given.
+    SongUnpacker(QString unpackFolder, QString password, FreeSpaceProbe freeSpace = {});
 
     // Unpacks `archive`; returns the result code.
     int unpack(const QString& archive);
+    // What a result code means, in plain words for the host.
+    static QString describe(int result);
 
     // What the last unpack saw.
     bool HasCdgFile = false;
@@ -50,5 +57,6 @@ private:
     void discardWritten();
 
     QString m_password;
+    FreeSpaceProbe m_freeSpace;
     QStringList m_written;
 };
