@@ -10,7 +10,7 @@ class modPacemaker;
 
 // Brings one queue row to the stage (PlayKaraoke): stops what plays, empties
 // the Temp folder, unpacks an archive into one audio file with its graphics
-// beside it, writes the history row, sets the key, hands the file to the
+// beside it, makes the graphics ready to play, writes the history row, sets the key, hands the file to the
 // player, takes the row off the queue and saves it, calls the next singer,
 // silences the fill music and starts the song. StopSong takes it off again.
 class SongStarter {
@@ -33,6 +33,10 @@ public:
     // Unpacks the archive of `song` into the Temp folder; on success PlayFile()
     // is the audio file to play. Tells the host what is wrong otherwise.
     bool UnpackSong(const SelectedSong& song);
+    // Writes the normalised copy of the graphics beside PlayFile() into Temp,
+    // when there are graphics. Tells the host and returns false when they are
+    // far too large or cannot be written: such a song is not started.
+    bool PrepareGraphics();
     // Shows the song on stage in the three labels again.
     void showCurrentSong();
 

@@ -1,6 +1,7 @@
 #include "songunpacker.h"
 
 #include "core/pathhelpers.h"
+#include "playback/cdgnormaliser.h"
 
 #include <QDir>
 #include <QFile>
@@ -34,6 +35,44 @@ bool matchesFilter(const QString& ext) {
         if (pattern.mid(1) == ext)
             return true;
     return false;
+}
+
+// An entry that passed the filter.
+struct Planned {
+    zip_uint64_t index;
+    QString stem; // the entry's name without its extension, lowered
+    QString ext;
+    qint64 size;
+    bool encrypted;
+};
+
+bool isGraphics(const Planned& p) {
+    return p.ext == QLatin1String(".cdg");
+}
+
+// The song's own entries, in archive order: the last audio entry, and the
+// graphics of the same name beside it (or, without such, the last graphics).
+QList<Planned> songEntries(const QList<Planned>& candidates) {
+    const Planned* audio = nullptr;
+    for (const Planned& p : candidates)
+        if (!isGraphics(p))
+            audio = &p;
+    const Planned* graphics = nullptr;
+    const Planned* ownGraphics = nullptr;
+    for (const Planned& p : candidates) {
+        if (!isGraphics(p))
+            continue;
+        graphics = &p;
+        if (audio && p.stem == audio->stem)
+            ownGraphics = &p;
+    }
+    if (ownGraphics)
+        graphics = ownGraphics;
+    QList<Planned> chosen;
+    for (const Planned& p : candidates)
+        if (&p == audio || &p == graphics)
+            chosen.append(p);
+    return chosen;
 }
 
 } // namespace
@@ -131,15 +170,7 @@ int SongUnpacker::unpack(const QString& archive) {
     const zip_int64_t count = zip_get_num_entries(za.get(), 0);
     const QByteArray password = m_password.toUtf8();
 
-    struct Planned {
-        zip_uint64_t index;
-        QString ext;
-        qint64 size;
-        bool encrypted;
-    };
-    QList<Planned> plan;
-    bool skipped = false;
-    qint64 total = 0;
+    QList<Planned> candidates;
     for (zip_int64_t i = 0; i < count; ++i) {
         zip_stat_t st;
         zip_stat_init(&st);
@@ -147,20 +178,23 @@ int SongUnpacker::unpack(const QString& archive) {
             return ZipErrorBase + zip_error_code_zip(zip_get_error(za.get()));
         const QString name = QString::fromUtf8(st.name);
         const QString ext = lowerExtension(name);
-        if (name.endsWith(QLatin1Char('/')) || !matchesFilter(ext)) {
-            skipped = true;
+        // A folder, a file of another kind, or an empty entry is no song file.
+        if (name.endsWith(QLatin1Char('/')) || !matchesFilter(ext) || !(st.valid & ZIP_STAT_SIZE) ||
+            st.size == 0)
             continue;
-        }
-        // An empty entry is no song file: passed over, as if it were not there.
-        if (!(st.valid & ZIP_STAT_SIZE) || st.size == 0) {
-            skipped = true;
-            continue;
-        }
-        if (st.size > zip_uint64_t(kMaxEntryBytes))
-            return EntryTooLarge;
         const bool encrypted = (st.valid & ZIP_STAT_ENCRYPTION_METHOD) && st.encryption_method != ZIP_EM_NONE;
-        plan.append({zip_uint64_t(i), ext, qint64(st.size), encrypted});
-        total += qint64(st.size);
+        candidates.append({zip_uint64_t(i), name.left(name.size() - ext.size()).toLower(), ext,
+                           qint64(std::min<zip_uint64_t>(st.size, std::numeric_limits<qint64>::max())),
+                           encrypted});
+    }
+    const QList<Planned> plan = songEntries(candidates);
+    const bool skipped = plan.size() < count;
+
+    qint64 total = 0;
+    for (const Planned& p : plan) {
+        if (p.size > (isGraphics(p) ? CdgNormaliser::kMaxBytes : kMaxEntryBytes))
+            return EntryTooLarge;
+        total += p.size;
     }
     if (total > m_freeSpace(folder))
         return TooLarge;
@@ -172,6 +206,11 @@ int SongUnpacker::unpack(const QString& archive) {
         if (QFileInfo(target).absolutePath() != folder) {
             discardWritten();
             return WriteFailed;
+        }
+        // What was written before this entry took its share of the disk.
+        if (p.size > m_freeSpace(folder)) {
+            discardWritten();
+            return TooLarge;
         }
         std::unique_ptr<zip_file_t, ZipFileCloser> in(
             p.encrypted ? zip_fopen_index_encrypted(za.get(), p.index, 0,

@@ -4,12 +4,15 @@
 #include <QStringList>
 #include <functional>
 
-// Takes a karaoke archive (.zip or .kma) apart for the player: the entries
-// whose names match the filter, in any sub-folder, are written into the unpack
-// folder under the archive's own stem with their lower-cased extension, so that
-// graphics and audio always end up side by side as one pair. Nothing is ever
-// written outside the unpack folder, and a failed unpack leaves none of its
-// files behind.
+// Takes a karaoke archive (.zip or .kma) apart for the player. Of the entries
+// whose names match the filter, in any sub-folder, only the song's own are
+// written: the last audio entry and its graphics (the graphics entry of the
+// same name, else the last one). They go into the unpack folder under the
+// archive's own stem with their lower-cased extension, so that graphics and
+// audio always end up side by side as one pair. Sizes are judged before
+// anything is written, each entry against the disk's free space again just
+// before it is written. Nothing is ever written outside the unpack folder, and
+// a failed unpack leaves none of its files behind.
 class SongUnpacker {
 public:
     // Result codes: 0 every entry was handled; 526 some were passed over (by the

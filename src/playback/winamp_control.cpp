@@ -401,11 +401,11 @@ bool WinAMP_Control::PlayFile(const QString& path) {
     const QString cdg = CdgNormaliser::companionOf(path);
     if (!cdg.isEmpty() && QFileInfo(path).suffix().compare(QLatin1String("cdg"), Qt::CaseInsensitive) != 0) {
         // A CD+G pair: the graphics are the file, the audio plays beside them.
+        // The song's preparation leaves a normalised copy of the graphics in
+        // Temp; without one the file itself is played as it stands.
         const QString temp = oApplicationPaths ? oApplicationPaths->ApplicationSongTempPath() : QString();
-        QString graphics = temp.isEmpty() ? QString() : CdgNormaliser::writeNormalisedCopy(cdg, temp);
-        if (graphics.isEmpty())
-            graphics = cdg;
-        cmd.insert(QStringLiteral("url"), graphics);
+        const QString copy = temp.isEmpty() ? QString() : CdgNormaliser::copyPathFor(cdg, temp);
+        cmd.insert(QStringLiteral("url"), CdgNormaliser::isCopyOf(copy, cdg) ? copy : cdg);
         cmd.insert(QStringLiteral("options"),
                    QStringLiteral("audio-files-append=") + quotedOptionValue(path));
     } else {

@@ -58,6 +58,21 @@ struct PlayerHelperMode {
     }
 } playerHelperMode;
 
+// The resident memory of this process, and its peak since the last reset, in kB.
+qint64 memoryLine(const char* key) {
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith(key))
+            return line.mid(int(qstrlen(key))).trimmed().split(' ').value(0).toLongLong();
+    return -1;
+}
+bool resetMemoryPeak() {
+    QFile clear(QStringLiteral("/proc/self/clear_refs"));
+    return clear.open(QIODevice::WriteOnly) && clear.write("5") == 1;
+}
+
 } // namespace
 
 // The player link when things go wrong: no player, a wrong program, a player
@@ -188,6 +203,55 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(processGone(pid), 10000);
         ClosePlayerAtShutdown(link); // a second shutdown finds nothing and says nothing
         QVERIFY(m_prompts->calls.isEmpty());
+    }
+
+    // Graphics beside a loose mp3 are made ready in the same small memory
+    // whatever their size, and a file far larger than any song is refused:
+    // the host is told, nothing starts, and the row stays in the queue.
+    void largeGraphicsBesideAnMp3_data() {
+        QTest::addColumn<qint64>("size");
+        QTest::addColumn<bool>("plays");
+        QTest::newRow("60 MB plays") << qint64(60) * 1024 * 1024 << true;
+        QTest::newRow("2.5 GB refused") << qint64(2560) * 1024 * 1024 << false;
+    }
+    void largeGraphicsBesideAnMp3() {
+        QFETCH(qint64, size);
+        QFETCH(bool, plays);
+        QStringList journal;
+        WinAMP_Control link;
+        link.setWinampPath(m_wrapper);
+        QVERIFY(link.StartPlayer());
+        FakeQueue queue(journal);
+        FakeView view(journal);
+        modPacemaker pm(link);
+        SongStarter starter(link, pm, queue, view);
+        const QString audio = m_dir.filePath("Large.mp3");
+        QVERIFY(QFile::copy(m_dir.filePath("song.mp3"), audio));
+        QFile cdg(m_dir.filePath("Large.cdg"));
+        QVERIFY(cdg.open(QIODevice::WriteOnly) && cdg.resize(size)); // sparse: no room taken on the disk
+        cdg.close();
+        queue.rows = {song("Ann", audio), song("Bob", audio)};
+
+        const qint64 before = memoryLine("VmRSS:");
+        const bool measured = resetMemoryPeak();
+        QCOMPARE(starter.PlayKaraoke(0), plays);
+        const qint64 grown = memoryLine("VmHWM:") - before;
+        QFile::remove(cdg.fileName());
+        QFile::remove(audio);
+        if (measured)
+            QVERIFY2(grown < 32 * 1024, qPrintable(QStringLiteral("%1 kB more").arg(grown)));
+        QCOMPARE(queue.rowCount(), plays ? 1 : 2);
+        QCOMPARE(m_prompts->boxTitles(), plays ? QStringList{} : QStringList{"CDG File Too Large"});
+        if (plays) {
+            QTRY_COMPARE(link.GetStatus(), QStringLiteral("PLAYING"));
+            QVERIFY(link.connection().property("path")->toString().endsWith("Large.play.cdg"));
+        } else {
+            QVERIFY(m_prompts->calls[0].text.contains(cdg.fileName()));
+            QVERIFY(m_prompts->calls[0].text.contains("64 MB"));
+            QCOMPARE(link.GetStatus(), QStringLiteral("STOPPED"));
+            QCOMPARE(TestWorkspace::errorLogRecords(), 0);
+        }
+        starter.StopSong();
     }
 
     // A password-protected zip under an awkward folder name, through the song

@@ -1,5 +1,6 @@
 #include "core/capplicationpaths.h"
 #include "core/globals.h"
+#include "playback/cdgnormaliser.h"
 #include "playback/modpacemaker.h"
 #include "playback/winamp_control.h"
 #include "playbackmedia.h"
@@ -129,15 +130,20 @@ private slots:
         QDir().mkpath(dir);
         const QString audio = QDir(dir).filePath(name);
         QVERIFY(QFile::copy(m_song, audio));
-        if (withCdg)
-            QVERIFY(writeFile(QDir(dir).filePath(QFileInfo(name).completeBaseName() + ".cdg"), cdgStream(8.0)));
+        if (withCdg) {
+            const QString cdg = QDir(dir).filePath(QFileInfo(name).completeBaseName() + ".cdg");
+            QVERIFY(writeFile(cdg, cdgStream(8.0)));
+            QVERIFY(!CdgNormaliser::writeNormalisedCopy(cdg, oApplicationPaths->ApplicationSongTempPath())
+                         .path.isEmpty());
+        }
         loadAndPlay(audio);
         if (withCdg) {
             // The graphics are the file; the audio plays beside them, untouched.
             const QString copy = oApplicationPaths->ApplicationSongTempPath() +
                                  QFileInfo(name).completeBaseName() + ".play.cdg";
             QTRY_COMPARE(prop(*m_link, "path").toString(), copy);
-            QTRY_VERIFY(QJsonDocument(prop(*m_link, "track-list").toArray()).toJson().contains(audio.toUtf8()));
+            QTRY_VERIFY(
+                QJsonDocument(prop(*m_link, "track-list").toArray()).toJson().contains(audio.toUtf8()));
         } else {
             QTRY_COMPARE(prop(*m_link, "path").toString(), audio);
         }
@@ -148,6 +154,9 @@ private slots:
         const QString audio = mediaPath(QStringLiteral("late.mp3"));
         QVERIFY(QFile::copy(m_song, audio));
         QVERIFY(writeFile(mediaPath(QStringLiteral("late.cdg")), cdgStream(8.0, 2.0)));
+        QVERIFY(!CdgNormaliser::writeNormalisedCopy(mediaPath(QStringLiteral("late.cdg")),
+                                                    oApplicationPaths->ApplicationSongTempPath())
+                     .path.isEmpty());
         loadAndPlay(audio);
         QTRY_VERIFY(prop(*m_link, "time-pos").isDouble());
         // Without the normalised copy the clock would start at the first command, 2 s in.

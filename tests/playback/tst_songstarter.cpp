@@ -3,6 +3,7 @@
 #include "core/cinifile.h"
 #include "core/globals.h"
 #include "fakeplayback.h"
+#include "playback/cdgnormaliser.h"
 #include "playback/cencryptex.h"
 #include "playback/songstarter.h"
 #include "playback/songunpacker.h"
@@ -140,6 +141,23 @@ private slots:
         QCOMPARE((QList<int>{m_rig->queue.rowCount(), historyRows()}), (QList<int>{1, 0}));
     }
 
+    // Of an archive with more than one song in it, only the song's own entries
+    // are unpacked: the last audio entry and the graphics named like it.
+    void onlyTheSongsOwnEntriesAreUnpacked() {
+        const QByteArray own = cdgStream(0.5), other = cdgStream(0.7);
+        const QByteArray oggBytes = "OggS" + QByteArray(3000, 'o');
+        const QString path = songPath("Two Songs.zip");
+        QVERIFY(makeZip(path, {{"b.cdg", own}, {"a.ogg", oggBytes}, {"b.mp3", kMp3}, {"other.cdg", other}}));
+        m_rig->queue.rows = {song("Ann", path)};
+        QVERIFY(m_rig->starter.PlayKaraoke(0));
+        QVERIFY(m_prompts->calls.isEmpty());
+        QCOMPARE(tempFiles(), (QStringList{"Two Songs.cdg", "Two Songs.mp3", "Two Songs.play.cdg"}));
+        const QString temp = SongStarter::unpackFolder();
+        QCOMPARE(readFile(temp + "Two Songs.cdg"), own);
+        QCOMPARE(readFile(temp + "Two Songs.mp3"), kMp3);
+        QCOMPARE(readFile(temp + "Two Songs.play.cdg"), CdgNormaliser::normalise(own));
+    }
+
     // Only the file's own name makes an archive: a song in a folder named like
     // one plays as the plain file it is.
     void archiveByItsOwnName_data() {
@@ -214,6 +232,9 @@ private slots:
         // Sizes are judged before anything is written.
         QTest::newRow("absurd declared size")
             << "Bad.zip" << withDeclaredSize(good, 0xFFFFFFF0u) << "" << -1LL << unzipError << ""
+            << "2004\nA song file in it is far larger than any song needs.";
+        QTest::newRow("graphics far too large")
+            << "Bad.zip" << withDeclaredSize(good, 100 * 1024 * 1024) << "" << -1LL << unzipError << ""
             << "2004\nA song file in it is far larger than any song needs.";
         QTest::newRow("no room on the disk")
             << "Full.zip" << good << "" << 1000LL << unzipError << ""
