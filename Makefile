@@ -18,7 +18,7 @@ run: build
 	$(BUILD)/bin/korvane
 
 test: build
-	ctest --test-dir $(BUILD) --output-on-failure --repeat until-pass:2
+	ctest --test-dir $(BUILD) --output-on-failure
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b || exit 1; done
