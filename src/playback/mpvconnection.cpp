@@ -90,22 +90,20 @@ MpvConnection::Reply MpvConnection::request(const QJsonValue& command) {
             return r;
         }
     }
-    const auto reply = readReply(id, int(deadline.remainingTime()), &r.error);
+    const auto reply = readReply(id, deadline, &r.error);
     if (!reply) {
         markUnanswered(r.error);
         return r;
     }
     markAnswered();
     const QJsonObject obj = reply->toObject();
-    r.answered = true;
     r.error = obj.value(QStringLiteral("error")).toString();
     r.ok = r.error == QLatin1String("success");
     r.data = obj.value(QStringLiteral("data"));
     return r;
 }
 
-std::optional<QJsonValue> MpvConnection::readReply(qint64 id, int timeoutMs, QString* error) {
-    QDeadlineTimer deadline(timeoutMs);
+std::optional<QJsonValue> MpvConnection::readReply(qint64 id, QDeadlineTimer deadline, QString* error) {
     for (;;) {
         int nl;
         while ((nl = m_pending.indexOf('\n')) < 0) {
@@ -129,6 +127,12 @@ std::optional<QJsonValue> MpvConnection::readReply(qint64 id, int timeoutMs, QSt
         if (!doc.isObject())
             continue;
         const QJsonObject obj = doc.object();
+        // Whatever the player says shows it is back: this request gets the
+        // whole time-out, however late the replies to the earlier ones come.
+        if (m_stalled) {
+            markAnswered();
+            deadline.setRemainingTime(m_timeoutMs);
+        }
         // Events and the replies of requests that timed out earlier are passed over.
         if (obj.contains(QStringLiteral("event")))
             continue;

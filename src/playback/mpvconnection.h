@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QJsonValue>
 #include <QString>
 #include <QVariant>
@@ -19,10 +20,9 @@ class QLocalSocket;
 class MpvConnection {
 public:
     struct Reply {
-        bool ok = false;       // the player answered with "success"
-        bool answered = false; // the player answered at all (ok or not)
-        QString error;         // the player's error text, or ours for a transport failure
-        QJsonValue data;       // the "data" member of the reply
+        bool ok = false; // the player answered with "success"
+        QString error;   // the player's error text, or ours for a transport failure
+        QJsonValue data; // the "data" member of the reply
     };
     static constexpr int kStalledWaitMs = 100;
 
@@ -60,7 +60,7 @@ public:
     bool setProperty(const QString& name, const QJsonValue& value);
 
 private:
-    std::optional<QJsonValue> readReply(qint64 id, int timeoutMs, QString* error);
+    std::optional<QJsonValue> readReply(qint64 id, QDeadlineTimer deadline, QString* error);
     // Takes in what has arrived without waiting; true when anything came.
     bool drainArrived();
     void markAnswered() { m_stalled = false; }
