@@ -190,7 +190,7 @@ private slots:
             QVERIFY2(QTest::qWaitFor(
                          [&] {
                              const int left = poll.remainingTime();
-                             return (before = m_rig->position()) >= 0.2 && left >= due && left < due + 60;
+                             return (before = m_rig->position()) >= 0.2 && left >= due && left < due + 100;
                          },
                          kPlayerSlack),
                      attempt);
