@@ -106,9 +106,11 @@ private slots:
         QVERIFY(QTest::qWaitFor([this] { return m_rig->position() >= 2.0; }, kPlayerSlack));
         m_rig->transport.btnPause_Click();
         QCOMPARE(m_rig->link.GetStatus(), QStringLiteral("PAUSED"));
-        const double pausedAt = m_rig->position();
+        // The player may still count the frame it was in when the pause came.
+        const double pausing = m_rig->position();
         QTest::qWait(300);
-        QCOMPARE(m_rig->position(), pausedAt);
+        const double pausedAt = m_rig->position();
+        QVERIFY2(pausedAt - pausing < 0.1, qPrintable(QStringLiteral("%1 to %2").arg(pausing).arg(pausedAt)));
         m_rig->transport.btnPause_Click();
         QCOMPARE(m_rig->link.GetStatus(), QStringLiteral("PLAYING"));
         // The position never falls back while the song goes on.
