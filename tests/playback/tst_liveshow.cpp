@@ -22,9 +22,6 @@ using namespace playbackmedia;
 
 namespace {
 
-// How long a real player may take to answer on a loaded machine: a waited-for
-// state comes much sooner when all is well.
-constexpr int kPlayerSlack = 10000;
 // Restarts are repeated this often: the timers they raced against gave the
 // fault in about one try in three.
 constexpr int kRestartTries = 30;

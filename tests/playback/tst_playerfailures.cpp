@@ -146,10 +146,10 @@ private slots:
         link.ClearPlaylist();
         QVERIFY(link.PlayFile(m_dir.filePath("song.mp3")));
         link.SendCommand(PlayerLink::CmdPlay);
-        QTRY_COMPARE(link.GetStatus(), QStringLiteral("PLAYING"));
+        QTRY_COMPARE_WITH_TIMEOUT(link.GetStatus(), QStringLiteral("PLAYING"), kPlayerSlack);
         const qint64 pid = link.playerProcessId();
         QVERIFY(::kill(pid_t(pid), SIGKILL) == 0);
-        QTRY_VERIFY(processGone(pid));
+        QTRY_VERIFY_WITH_TIMEOUT(processGone(pid), kPlayerSlack);
         // A player that has gone gives no answer, which is no stop: nothing is
         // shown, and the loss is logged once however often it is asked.
         const int logged = TestWorkspace::errorLogRecords();
@@ -252,7 +252,7 @@ private slots:
             // plays is known once it has begun to load it.
             QTRY_COMPARE_WITH_TIMEOUT(link.connection().property("path").value_or(QJsonValue()).toString(),
                                       CdgNormaliser::copyPathFor(cdg.fileName(), SongStarter::unpackFolder()),
-                                      10000);
+                                      kPlayerSlack);
             QCOMPARE(link.GetStatus(), QStringLiteral("PLAYING"));
         } else {
             QVERIFY(m_prompts->calls[0].text.contains(cdg.fileName()));
@@ -284,8 +284,8 @@ private slots:
         BuildArchivePassword();
         queue.rows = {song("Ann", path, 2)};
         QVERIFY(starter.PlayKaraoke(0));
-        QTRY_COMPARE(link.GetStatus(), QStringLiteral("PLAYING"));
-        QTRY_COMPARE(link.GetLengthSeconds(), 6);
+        QTRY_COMPARE_WITH_TIMEOUT(link.GetStatus(), QStringLiteral("PLAYING"), kPlayerSlack);
+        QTRY_COMPARE_WITH_TIMEOUT(link.GetLengthSeconds(), 6, kPlayerSlack);
         QVERIFY(link.connection().property("path").value_or(QJsonValue()).toString().endsWith(".play.cdg"));
         QVERIFY(QJsonDocument(link.connection().property("af").value_or(QJsonValue()).toArray())
                     .toJson()
