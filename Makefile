@@ -18,7 +18,7 @@ run: build
 	$(BUILD)/bin/korvane
 
 test: build
-	ctest --test-dir $(BUILD) --output-on-failure --repeat until-pass:2
+	ctest --test-dir $(BUILD) --output-on-failure
 
 # The show rehearsal alone (it is part of `make test` too).
 rehearsal: build

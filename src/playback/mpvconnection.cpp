@@ -1,5 +1,7 @@
 #include "mpvconnection.h"
 
+#include "playback/playersocket.h"
+
 #include <QDeadlineTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -13,6 +15,7 @@ MpvConnection::~MpvConnection() {
 
 bool MpvConnection::adoptDescriptor(int fd) {
     close();
+    m_stalled = false;
     m_socket = std::make_unique<QLocalSocket>();
     if (!m_socket->setSocketDescriptor(fd)) {
         m_socket.reset();
@@ -23,10 +26,15 @@ bool MpvConnection::adoptDescriptor(int fd) {
 
 bool MpvConnection::connectToPath(const QString& path, int timeoutMs) {
     close();
+    m_stalled = false;
+    // Only a socket of this user's, with a process of this user's behind it.
+    if (!PlayerSocket::isOwnSocket(path))
+        return false;
     m_socket = std::make_unique<QLocalSocket>();
     m_socket->connectToServer(path);
-    if (!m_socket->waitForConnected(timeoutMs)) {
-        m_socket.reset();
+    if (!m_socket->waitForConnected(timeoutMs) ||
+        !PlayerSocket::peerIsOwnUser(int(m_socket->socketDescriptor()))) {
+        close();
         return false;
     }
     return true;
@@ -44,27 +52,50 @@ bool MpvConnection::isOpen() const {
     return m_socket && m_socket->state() == QLocalSocket::ConnectedState;
 }
 
+void MpvConnection::markUnanswered(const QString& reason) {
+    if (m_stalled)
+        return;
+    m_stalled = true;
+    if (m_onStall)
+        m_onStall(reason);
+}
+
+bool MpvConnection::drainArrived() {
+    const qsizetype before = m_pending.size();
+    if (m_socket->bytesAvailable() > 0 || m_socket->waitForReadyRead(0))
+        m_pending += m_socket->readAll();
+    return m_pending.size() > before;
+}
+
 MpvConnection::Reply MpvConnection::request(const QJsonValue& command) {
     Reply r;
     if (!isOpen()) {
         r.error = QStringLiteral("not connected");
+        markUnanswered(r.error);
         return r;
     }
+    // A stalled player that has since said anything (a late reply, an event) is back.
+    if (m_stalled && drainArrived())
+        markAnswered();
     const qint64 id = m_nextId++;
     QJsonObject msg{{QStringLiteral("command"), command}, {QStringLiteral("request_id"), id}};
     QByteArray line = QJsonDocument(msg).toJson(QJsonDocument::Compact);
     line += '\n';
-    QDeadlineTimer deadline(m_timeoutMs);
+    QDeadlineTimer deadline(m_stalled ? std::min(m_timeoutMs, kStalledWaitMs) : m_timeoutMs);
     m_socket->write(line);
     while (m_socket->bytesToWrite() > 0) {
         if (!m_socket->waitForBytesWritten(int(deadline.remainingTime()))) {
             r.error = QStringLiteral("time-out writing to the player");
+            markUnanswered(r.error);
             return r;
         }
     }
-    const auto reply = readReply(id, int(deadline.remainingTime()), &r.error);
-    if (!reply)
+    const auto reply = readReply(id, deadline, &r.error);
+    if (!reply) {
+        markUnanswered(r.error);
         return r;
+    }
+    markAnswered();
     const QJsonObject obj = reply->toObject();
     r.error = obj.value(QStringLiteral("error")).toString();
     r.ok = r.error == QLatin1String("success");
@@ -72,8 +103,7 @@ MpvConnection::Reply MpvConnection::request(const QJsonValue& command) {
     return r;
 }
 
-std::optional<QJsonValue> MpvConnection::readReply(qint64 id, int timeoutMs, QString* error) {
-    QDeadlineTimer deadline(timeoutMs);
+std::optional<QJsonValue> MpvConnection::readReply(qint64 id, QDeadlineTimer deadline, QString* error) {
     for (;;) {
         int nl;
         while ((nl = m_pending.indexOf('\n')) < 0) {
@@ -97,6 +127,12 @@ std::optional<QJsonValue> MpvConnection::readReply(qint64 id, int timeoutMs, QSt
         if (!doc.isObject())
             continue;
         const QJsonObject obj = doc.object();
+        // Whatever the player says shows it is back: this request gets the
+        // whole time-out, however late the replies to the earlier ones come.
+        if (m_stalled) {
+            markAnswered();
+            deadline.setRemainingTime(m_timeoutMs);
+        }
         // Events and the replies of requests that timed out earlier are passed over.
         if (obj.contains(QStringLiteral("event")))
             continue;

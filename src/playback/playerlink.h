@@ -18,8 +18,10 @@ public:
         CmdStop = 40047,
         CmdFadeStop = 40147,
     };
-    // Raw status numbers, as the clock reads them.
-    enum RawStatus : int { RawStopped = 0, RawPlaying = 1, RawPaused = 3 };
+    // Raw status numbers, as the clock reads them. RawNoAnswer is a player that
+    // was found but gave no answer in time (stalled, or gone): it says nothing
+    // about the song, and above all it is no stop.
+    enum RawStatus : int { RawNoAnswer = -1, RawStopped = 0, RawPlaying = 1, RawPaused = 3 };
 
     virtual ~PlayerLink() = default;
 
@@ -29,9 +31,10 @@ public:
     virtual bool StartPlayer() = 0;
 
     virtual void ClearPlaylist() = 0;
-    // "PLAYING", "PAUSED" or "STOPPED"; empty when there is no player.
+    // "PLAYING", "PAUSED" or "STOPPED"; empty when there is no player or it gave no answer.
     virtual QString GetStatus() = 0;
-    // The status number without any check of the link: 1 playing, 3 paused, anything else stopped.
+    // The status number without any check of the link: 1 playing, 3 paused,
+    // RawNoAnswer when the player did not answer, anything else stopped.
     virtual int rawStatus() = 0;
     // Whole seconds; -1 when nothing is loaded; 0 when there is no player.
     virtual int GetPositionSeconds() = 0;
@@ -52,8 +55,10 @@ public:
     virtual void removeAudioFilter(const QString& label) = 0;
 };
 
-// The status text of a raw status number: the test is on the number.
+// The status text of a raw status number: the test is on the number. No answer has no text.
 inline QString statusText(int raw) {
+    if (raw == PlayerLink::RawNoAnswer)
+        return {};
     if (raw == PlayerLink::RawPlaying)
         return QStringLiteral("PLAYING");
     if (raw == PlayerLink::RawPaused)

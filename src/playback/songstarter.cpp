@@ -7,12 +7,14 @@
 #include "core/globals.h"
 #include "core/pathhelpers.h"
 #include "core/prompts.h"
+#include "playback/cdgnormaliser.h"
 #include "playback/cencryptex.h"
 #include "playback/modpacemaker.h"
 #include "playback/playerlink.h"
 #include "playback/songunpacker.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 QString SongStarter::unpackFolder() {
     if (oApplicationPaths)
@@ -57,12 +59,13 @@ void SongStarter::showCurrentSong() {
 
 bool SongStarter::UnpackSong(const SelectedSong& song) {
     const QString path = song.TrackPath;
-    SongUnpacker zip(unpackFolder(), ArchivePassword);
+    SongUnpacker zip(unpackFolder(), ArchivePassword, m_freeSpace);
     const int result = zip.unpack(path);
     if (result != SongUnpacker::Ok && result != SongUnpacker::SomeSkipped) {
+        // The number says which failure it was; the line under it says it in words.
         prompts().msgBox(QStringLiteral("There was an Error unzipping the file ") + path +
                              QStringLiteral("\nPlease Check This File For Errors: \n") +
-                             QString::number(result),
+                             QString::number(result) + QLatin1Char('\n') + SongUnpacker::describe(result),
                          Prompts::OkOnly, QString());
         return false;
     }
@@ -81,6 +84,28 @@ bool SongStarter::UnpackSong(const SelectedSong& song) {
         return false;
     m_playFile = zip.AudioFilePath;
     return true;
+}
+
+bool SongStarter::PrepareGraphics() {
+    const QString cdg = CdgNormaliser::companionOf(m_playFile);
+    if (cdg.isEmpty() ||
+        QFileInfo(m_playFile).suffix().compare(QLatin1String("cdg"), Qt::CaseInsensitive) == 0)
+        return true;
+    const CdgNormaliser::Copy copy = CdgNormaliser::writeNormalisedCopy(cdg, unpackFolder(), m_freeSpace);
+    if (copy.outcome == CdgNormaliser::Copy::Written)
+        return true;
+    if (copy.outcome == CdgNormaliser::Copy::TooLarge) {
+        prompts().msgBox(QStringLiteral("The CDG file %1 is %2 MB. No song needs more than %3 MB of CD+G "
+                                        "graphics, so this file is not played.")
+                             .arg(cdg, QString::number(copy.size / (1024 * 1024)),
+                                  QString::number(CdgNormaliser::kMaxBytes / (1024 * 1024))),
+                         Prompts::Exclamation, QStringLiteral("CDG File Too Large"));
+    } else {
+        prompts().msgBox(
+            QStringLiteral("The CDG file %1 could not be made ready to play: %2.").arg(cdg, copy.error),
+            Prompts::Exclamation, QStringLiteral("CDG File Not Ready"));
+    }
+    return false;
 }
 
 bool SongStarter::PlayKaraoke(int row) {
@@ -113,6 +138,12 @@ bool SongStarter::PlayKaraoke(int row) {
     }
     if (m_playFile.isEmpty() || !FileExists(m_playFile))
         return false;
+    bool graphicsReady = false;
+    Guarded(kSource, 8, [&] { graphicsReady = PrepareGraphics(); });
+    if (!graphicsReady) {
+        Guarded(kSource, 8, [] { emptyTempFolder(); });
+        return false;
+    }
 
     if (!song.PerformerName.isEmpty() && Cfg.SaveHistory)
         Guarded(kSource, 9, [&] { ExecuteSql(historyInsertSql(song)); });

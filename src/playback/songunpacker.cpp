@@ -1,6 +1,7 @@
 #include "songunpacker.h"
 
 #include "core/pathhelpers.h"
+#include "playback/cdgnormaliser.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,6 +11,7 @@
 
 #include <zip.h>
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -35,14 +37,107 @@ bool matchesFilter(const QString& ext) {
     return false;
 }
 
+// An entry that passed the filter.
+struct Planned {
+    zip_uint64_t index;
+    QString stem; // the entry's name without its extension, lowered
+    QString ext;
+    qint64 size;
+    bool encrypted;
+};
+
+bool isGraphics(const Planned& p) {
+    return p.ext == QLatin1String(".cdg");
+}
+
+// The song's own entries, in archive order: the last audio entry, and the
+// graphics of the same name beside it (or, without such, the last graphics).
+QList<Planned> songEntries(const QList<Planned>& candidates) {
+    const Planned* audio = nullptr;
+    for (const Planned& p : candidates)
+        if (!isGraphics(p))
+            audio = &p;
+    const Planned* graphics = nullptr;
+    const Planned* ownGraphics = nullptr;
+    for (const Planned& p : candidates) {
+        if (!isGraphics(p))
+            continue;
+        graphics = &p;
+        if (audio && p.stem == audio->stem)
+            ownGraphics = &p;
+    }
+    if (ownGraphics)
+        graphics = ownGraphics;
+    QList<Planned> chosen;
+    for (const Planned& p : candidates)
+        if (&p == audio || &p == graphics)
+            chosen.append(p);
+    return chosen;
+}
+
 } // namespace
 
-SongUnpacker::SongUnpacker(QString unpackFolder, QString password)
-    : UnpackFolder(AddBackslash(std::move(unpackFolder))), m_password(std::move(password)) {}
+SongUnpacker::SongUnpacker(QString unpackFolder, QString password, FreeSpaceProbe freeSpace)
+    : UnpackFolder(AddBackslash(std::move(unpackFolder))), m_password(std::move(password)),
+      m_freeSpace(std::move(freeSpace)) {
+    if (!m_freeSpace)
+        m_freeSpace = [](const QString& folder) {
+            const QStorageInfo disk(folder);
+            return disk.isValid() ? disk.bytesAvailable() : std::numeric_limits<qint64>::max();
+        };
+}
+
+QString SongUnpacker::describe(int result) {
+    switch (result) {
+    case TooLarge:
+        return QStringLiteral("A song file in it is too large for the free space on the disk.");
+    case EntryTooLarge:
+        return QStringLiteral("A song file in it is far larger than any song needs.");
+    case Overrun:
+        return QStringLiteral("The archive is damaged or is not a zip file.");
+    case WriteFailed:
+        return QStringLiteral("The song could not be written to the Temp folder.");
+    default:
+        break;
+    }
+    switch (result - ZipErrorBase) {
+    case ZIP_ER_NOZIP:
+    case ZIP_ER_INCONS:
+    case ZIP_ER_CRC:
+    case ZIP_ER_ZLIB:
+    case ZIP_ER_EOF:
+    case ZIP_ER_COMPRESSED_DATA:
+        return QStringLiteral("The archive is damaged or is not a zip file.");
+    case ZIP_ER_NOPASSWD:
+        return QStringLiteral("The archive needs a password, and none is set.");
+    case ZIP_ER_WRONGPASSWD:
+        return QStringLiteral("The archive needs a different password from the one that is set.");
+    case ZIP_ER_OPEN:
+    case ZIP_ER_READ:
+    case ZIP_ER_SEEK:
+    case ZIP_ER_NOENT:
+        return QStringLiteral("The file could not be opened or read.");
+    case ZIP_ER_MULTIDISK:
+    case ZIP_ER_COMPNOTSUPP:
+    case ZIP_ER_ENCRNOTSUPP:
+        return QStringLiteral("The archive is packed in a way that cannot be unpacked here.");
+    case ZIP_ER_MEMORY:
+        return QStringLiteral("There was not enough memory to unpack it.");
+    default:
+        break;
+    }
+    zip_error_t error;
+    zip_error_init_with_code(&error, result - ZipErrorBase);
+    const QString text = QString::fromUtf8(zip_error_strerror(&error));
+    zip_error_fini(&error);
+    return text + QLatin1Char('.');
+}
 
 bool SongUnpacker::IsArchive(const QString& path) {
-    return path.contains(QLatin1String(".zip"), Qt::CaseInsensitive) ||
-           path.contains(QLatin1String(".kma"), Qt::CaseInsensitive);
+    // The file's own extension decides: a folder named "Best.Zip Hits" holds
+    // plain songs like any other.
+    const QString ext = lowerExtension(path);
+    return ext == QLatin1String(".zip") || ext == QLatin1String(".kma");
 }
 
 void SongUnpacker::ResetZipDetails() {
@@ -75,15 +170,7 @@ int SongUnpacker::unpack(const QString& archive) {
     const zip_int64_t count = zip_get_num_entries(za.get(), 0);
     const QByteArray password = m_password.toUtf8();
 
-    struct Planned {
-        zip_uint64_t index;
-        QString ext;
-        qint64 size;
-        bool encrypted;
-    };
-    QList<Planned> plan;
-    bool skipped = false;
-    qint64 total = 0;
+    QList<Planned> candidates;
     for (zip_int64_t i = 0; i < count; ++i) {
         zip_stat_t st;
         zip_stat_init(&st);
@@ -91,23 +178,25 @@ int SongUnpacker::unpack(const QString& archive) {
             return ZipErrorBase + zip_error_code_zip(zip_get_error(za.get()));
         const QString name = QString::fromUtf8(st.name);
         const QString ext = lowerExtension(name);
-        if (name.endsWith(QLatin1Char('/')) || !matchesFilter(ext)) {
-            skipped = true;
+        // A folder, a file of another kind, or an empty entry is no song file.
+        if (name.endsWith(QLatin1Char('/')) || !matchesFilter(ext) || !(st.valid & ZIP_STAT_SIZE) ||
+            st.size == 0)
             continue;
-        }
-        // An empty entry is no song file: passed over, as if it were not there.
-        if (!(st.valid & ZIP_STAT_SIZE) || st.size == 0) {
-            skipped = true;
-            continue;
-        }
-        if (st.size > zip_uint64_t(kMaxEntryBytes))
-            return TooLarge;
         const bool encrypted = (st.valid & ZIP_STAT_ENCRYPTION_METHOD) && st.encryption_method != ZIP_EM_NONE;
-        plan.append({zip_uint64_t(i), ext, qint64(st.size), encrypted});
-        total += qint64(st.size);
+        candidates.append({zip_uint64_t(i), name.left(name.size() - ext.size()).toLower(), ext,
+                           qint64(std::min<zip_uint64_t>(st.size, std::numeric_limits<qint64>::max())),
+                           encrypted});
     }
-    const QStorageInfo disk(folder);
-    if (disk.isValid() && total > disk.bytesAvailable())
+    const QList<Planned> plan = songEntries(candidates);
+    const bool skipped = plan.size() < count;
+
+    qint64 total = 0;
+    for (const Planned& p : plan) {
+        if (p.size > (isGraphics(p) ? CdgNormaliser::kMaxBytes : kMaxEntryBytes))
+            return EntryTooLarge;
+        total += p.size;
+    }
+    if (total > m_freeSpace(folder))
         return TooLarge;
 
     QByteArray buffer(256 * 1024, Qt::Uninitialized);
@@ -117,6 +206,11 @@ int SongUnpacker::unpack(const QString& archive) {
         if (QFileInfo(target).absolutePath() != folder) {
             discardWritten();
             return WriteFailed;
+        }
+        // What was written before this entry took its share of the disk.
+        if (p.size > m_freeSpace(folder)) {
+            discardWritten();
+            return TooLarge;
         }
         std::unique_ptr<zip_file_t, ZipFileCloser> in(
             p.encrypted ? zip_fopen_index_encrypted(za.get(), p.index, 0,

@@ -56,6 +56,10 @@ void Transport::setAutoPlayDelay(int seconds) {
 }
 
 void Transport::PlayKaraoke(int row) {
+    // A song taken up in the middle of a restart's fade ends the restart: the
+    // restart must not start the old song again once this one has stopped.
+    if (row >= 0 && row < m_queue.rowCount())
+        tmrRestart.stop();
     if (!m_starter.PlayKaraoke(row))
         return;
     if (m_autoPlay)
@@ -73,6 +77,8 @@ void Transport::btnPlayTrack_Click() {
 }
 
 void Transport::btnStop_Click() {
+    // Stop wins over a restart that is still waiting for its fade to end.
+    tmrRestart.stop();
     // In Waiting tmrAutoplay is already off, so the delay is left to run out and
     // start the next song.
     if (tmrAutoplay.isActive()) {
@@ -97,6 +103,9 @@ void Transport::RestartSong() {
         m_player.SendCommand(PlayerLink::CmdStop);
         m_player.SendCommand(PlayerLink::CmdPlay);
     } else {
+        // The stop at the end of the fade belongs to the restart: auto-play
+        // stays out of it until tmrRestart has started the song again.
+        tmrAutoplay.stop();
         tmrRestart.start();
         m_player.SendCommand(PlayerLink::CmdFadeStop);
     }
@@ -123,7 +132,11 @@ void Transport::queueRow_DblClick(int row) {
 
 void Transport::tmrUpdateClock_Timer() {
     quietly([this] {
-        if (m_player.rawStatus() == PlayerLink::RawStopped) {
+        const int raw = m_player.rawStatus();
+        // A player that gives no answer leaves the clock as it was.
+        if (raw == PlayerLink::RawNoAnswer)
+            return;
+        if (raw == PlayerLink::RawStopped) {
             m_view.showClock(FormatTime(0), FormatTime(0));
             return;
         }
@@ -141,6 +154,11 @@ void Transport::tmrAutoplay_Timer() {
             tmrAutoplay.stop();
             return;
         }
+        // A restart in progress owns the player's stop.
+        if (tmrRestart.isActive())
+            return;
+        // Only a stop the player reports ends the song: playing, paused and no
+        // answer at all (a player stalled for a moment) all leave it on.
         if (m_player.GetStatus() != QLatin1String("STOPPED"))
             return;
         if (m_useDelay) {

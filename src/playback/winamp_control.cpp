@@ -1,10 +1,12 @@
 #include "winamp_control.h"
 
 #include "core/capplicationpaths.h"
+#include "core/errorlog.h"
 #include "core/globals.h"
 #include "core/pathhelpers.h"
 #include "core/prompts.h"
 #include "playback/cdgnormaliser.h"
+#include "playback/playersocket.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -14,16 +16,12 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QStandardPaths>
 #include <QUrl>
 
 #include <cmath>
 #include <unistd.h>
 
 namespace {
-
-// A socket path must fit sockaddr_un (108 bytes with its terminator).
-constexpr int kMaxSocketPath = 100;
 
 void pumpingWait(int ms) {
     QDeadlineTimer deadline(ms);
@@ -51,6 +49,21 @@ const QString kMpvConf =
 WinAMP_Control::WinAMP_Control(QObject* parent) : QObject(parent), m_wait(pumpingWait) {
     m_fadeTimer.setInterval(kFadeMs / kFadeSteps);
     connect(&m_fadeTimer, &QTimer::timeout, this, [this] { fadeStep(); });
+    m_conn.setStallHandler([this](const QString& reason) { logStall(reason); });
+}
+
+void WinAMP_Control::logStall(const QString& reason) {
+    // A player being looked for is not yet ours to complain about.
+    if (!m_connected)
+        return;
+    try {
+        LogErrorQuietly(QStringLiteral("The player gave no answer (%1). Its last state holds until it "
+                                       "answers again; a song is not taken for ended meanwhile.")
+                            .arg(reason),
+                        QStringLiteral("KvApp.WinAMP_Control"), 0);
+    } catch (...) {
+        // A log that cannot be written must not stop the show.
+    }
 }
 
 WinAMP_Control::~WinAMP_Control() {
@@ -59,11 +72,7 @@ WinAMP_Control::~WinAMP_Control() {
 }
 
 QString WinAMP_Control::playerSocketPath() {
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    QString path = AddBackslash(folder) + kPlayerClass;
-    if (folder.isEmpty() || path.toUtf8().size() > kMaxSocketPath)
-        path = QStringLiteral("/tmp/%1-%2").arg(kPlayerClass).arg(::getuid());
-    return path;
+    return PlayerSocket::path();
 }
 
 QString WinAMP_Control::playerConfigFolder() {
@@ -86,14 +95,18 @@ void WinAMP_Control::prepareConfigFolder() const {
 }
 
 QStringList WinAMP_Control::playerArguments() const {
-    return {QStringLiteral("--idle=yes"),
-            QStringLiteral("--force-window=yes"),
-            QStringLiteral("--keep-open=no"),
-            QStringLiteral("--no-terminal"),
-            QStringLiteral("--config-dir=") + playerConfigFolder(),
-            QStringLiteral("--x11-name=") + kPlayerClass,
-            QStringLiteral("--title=Korvane"),
-            QStringLiteral("--input-ipc-server=") + playerSocketPath()};
+    QStringList args = {QStringLiteral("--idle=yes"), QStringLiteral("--force-window=yes"),
+                        QStringLiteral("--keep-open=no"), QStringLiteral("--no-terminal"),
+                        QStringLiteral("--config-dir=") + playerConfigFolder(),
+                        QStringLiteral("--x11-name=") + kPlayerClass, QStringLiteral("--title=Korvane"),
+                        // The room sees this window: no on-screen controller, which
+                        // also draws the logo and "drop files here" between songs.
+                        QStringLiteral("--osc=no")};
+    // Without a private place for it the player has no socket; the program
+    // itself talks to it over the socket pair all the same.
+    if (const QString socket = playerSocketPath(); !socket.isEmpty())
+        args.append(QStringLiteral("--input-ipc-server=") + socket);
+    return args;
 }
 
 bool WinAMP_Control::FindPlayer() {
@@ -101,7 +114,8 @@ bool WinAMP_Control::FindPlayer() {
     bool found = m_conn.isOpen() && m_conn.property(QStringLiteral("mpv-version")).has_value();
     if (!found) {
         // Not our own instance (or it has gone): look for one by its socket.
-        found = m_conn.connectToPath(playerSocketPath(), kRequestTimeoutMs) &&
+        const QString socket = playerSocketPath();
+        found = !socket.isEmpty() && m_conn.connectToPath(socket, kRequestTimeoutMs) &&
                 m_conn.property(QStringLiteral("mpv-version")).has_value();
         if (found)
             m_conn.command({QStringLiteral("disable_event"), QStringLiteral("all")});
@@ -174,10 +188,17 @@ void WinAMP_Control::ClearPlaylist() {
 }
 
 int WinAMP_Control::rawStatus() {
+    if (!m_connected)
+        return RawStopped;
+    // A question the player leaves unanswered is no answer, never a stop.
     const auto idle = m_conn.property(QStringLiteral("idle-active"));
-    if (!idle || idle->toBool(true))
+    if (!idle)
+        return m_conn.isStalled() ? RawNoAnswer : RawStopped;
+    if (idle->toBool(true))
         return RawStopped;
     const auto paused = m_conn.property(QStringLiteral("pause"));
+    if (!paused && m_conn.isStalled())
+        return RawNoAnswer;
     if (paused && paused->toBool())
         return RawPaused;
     return RawPlaying;
@@ -259,20 +280,29 @@ void WinAMP_Control::DisableShuffle() {
 
 void WinAMP_Control::play() {
     const auto idle = m_conn.property(QStringLiteral("idle-active"));
-    m_conn.setProperty(QStringLiteral("pause"), false);
-    if (idle && idle->toBool()) {
-        const auto count = m_conn.property(QStringLiteral("playlist-count"));
-        if (!count || count->toInt() < 1)
-            return;
-        const auto pos = m_conn.property(QStringLiteral("playlist-pos"));
-        const int index = pos && pos->toInt() >= 0 ? pos->toInt() : 0;
-        m_conn.command({QStringLiteral("playlist-play-index"), index});
-    } else if (idle && !idle->toBool() && m_conn.isOpen()) {
-        // Play while playing starts the song again, as a player's play button does.
+    if (!idle)
+        return;
+    if (!idle->toBool()) {
+        // A paused song goes on from where it stopped; play while playing starts
+        // the song again, as a player's play button does. The pause is read before
+        // anything changes it.
         const auto paused = m_conn.property(QStringLiteral("pause"));
-        if (paused && !paused->toBool())
+        if (!paused)
+            return;
+        if (paused->toBool())
+            m_conn.setProperty(QStringLiteral("pause"), false);
+        else
             m_conn.command({QStringLiteral("seek"), 0, QStringLiteral("absolute")});
+        return;
     }
+    // Stopped: whatever was paused before the stop must not start paused.
+    m_conn.setProperty(QStringLiteral("pause"), false);
+    const auto count = m_conn.property(QStringLiteral("playlist-count"));
+    if (!count || count->toInt() < 1)
+        return;
+    const auto pos = m_conn.property(QStringLiteral("playlist-pos"));
+    const int index = pos && pos->toInt() >= 0 ? pos->toInt() : 0;
+    m_conn.command({QStringLiteral("playlist-play-index"), index});
 }
 
 void WinAMP_Control::SendCommand(int commandId) {
@@ -300,10 +330,16 @@ void WinAMP_Control::SendCommand(int commandId) {
     case CmdPause:
         m_conn.command({QStringLiteral("cycle"), QStringLiteral("pause")});
         break;
-    case CmdStop:
-        cancelFade();
+    case CmdStop: {
+        // A stop during a fade stops first and only then puts the volume back,
+        // so that the song does not come back loud for a moment.
+        const bool fading = m_fadeTimer.isActive();
+        m_fadeTimer.stop();
         stop();
+        if (fading)
+            m_conn.setProperty(QStringLiteral("volume"), m_fadeVolume);
         break;
+    }
     case CmdFadeStop:
         startFade();
         break;
@@ -365,11 +401,11 @@ bool WinAMP_Control::PlayFile(const QString& path) {
     const QString cdg = CdgNormaliser::companionOf(path);
     if (!cdg.isEmpty() && QFileInfo(path).suffix().compare(QLatin1String("cdg"), Qt::CaseInsensitive) != 0) {
         // A CD+G pair: the graphics are the file, the audio plays beside them.
+        // The song's preparation leaves a normalised copy of the graphics in
+        // Temp; without one the file itself is played as it stands.
         const QString temp = oApplicationPaths ? oApplicationPaths->ApplicationSongTempPath() : QString();
-        QString graphics = temp.isEmpty() ? QString() : CdgNormaliser::writeNormalisedCopy(cdg, temp);
-        if (graphics.isEmpty())
-            graphics = cdg;
-        cmd.insert(QStringLiteral("url"), graphics);
+        const QString copy = temp.isEmpty() ? QString() : CdgNormaliser::copyPathFor(cdg, temp);
+        cmd.insert(QStringLiteral("url"), CdgNormaliser::isCopyOf(copy, cdg) ? copy : cdg);
         cmd.insert(QStringLiteral("options"),
                    QStringLiteral("audio-files-append=") + quotedOptionValue(path));
     } else {

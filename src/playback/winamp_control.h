@@ -20,6 +20,7 @@ public:
     static constexpr int kRequestTimeoutMs = 1000;
     static constexpr int kStartProbeTimeoutMs = 250;
     static constexpr int kStopSettleMs = 500;
+    // The stop with fade-out lowers the volume in kFadeSteps over the fade time.
     static constexpr int kFadeMs = 2000;
     static constexpr int kFadeSteps = 20;
 
@@ -33,7 +34,8 @@ public:
     int LastPlayResult() const { return m_lastPlayResult; }
     // How StartPlayer waits; by default it keeps the event loop turning.
     void setWaiter(std::function<void(int ms)> wait) { m_wait = std::move(wait); }
-    // Where the private instance listens, so that another copy of the program finds it.
+    // Where the private instance listens, so that another copy of the program
+    // finds it: a socket in a folder of this user's own (empty when there is none).
     static QString playerSocketPath();
     // The player's private configuration folder (below the working folder).
     static QString playerConfigFolder();
@@ -61,10 +63,14 @@ public:
     void removeAudioFilter(const QString& label) override;
 
     bool isFading() const { return m_fadeTimer.isActive(); }
+    // How long the stop with fade-out takes (kFadeMs unless changed).
+    void setFadeMs(int ms) { m_fadeTimer.setInterval(std::max(1, ms / kFadeSteps)); }
 
 private:
     // The check that all but a few operations make: tells the host when there is no player.
     bool requirePlayer();
+    // Writes one record to the error log when the player stops answering.
+    void logStall(const QString& reason);
     QStringList playerArguments() const;
     void prepareConfigFolder() const;
     int secondsOf(const QString& property);

@@ -3,6 +3,7 @@
 #include "core/cinifile.h"
 #include "core/globals.h"
 #include "fakeplayback.h"
+#include "playback/cdgnormaliser.h"
 #include "playback/cencryptex.h"
 #include "playback/songstarter.h"
 #include "playback/songunpacker.h"
@@ -91,8 +92,9 @@ private slots:
         };
         QCOMPARE(m_rig->journal, expected);
         QVERIFY(m_prompts->calls.isEmpty());
-        QSqlQuery q = ExecuteSql("SELECT SingerName || '|' || Artist || '|' || Title || '|' || [Key] || '|' || "
-                                 "TrackPath FROM tblKaraokeTrackHistory");
+        QSqlQuery q =
+            ExecuteSql("SELECT SingerName || '|' || Artist || '|' || Title || '|' || [Key] || '|' || "
+                       "TrackPath FROM tblKaraokeTrackHistory");
         QVERIFY(q.next());
         QCOMPARE(q.value(0).toString(), "Ann|O'Brien|Tea, Two|-3|" + path);
     }
@@ -139,15 +141,58 @@ private slots:
         QCOMPARE((QList<int>{m_rig->queue.rowCount(), historyRows()}), (QList<int>{1, 0}));
     }
 
-    // Archives good and bad: a bad one is told by name, plays nothing, keeps
-    // the row and leaves nothing unpacked.
+    // Of an archive with more than one song in it, only the song's own entries
+    // are unpacked: the last audio entry and the graphics named like it.
+    void onlyTheSongsOwnEntriesAreUnpacked() {
+        const QByteArray own = cdgStream(0.5), other = cdgStream(0.7);
+        const QByteArray oggBytes = "OggS" + QByteArray(3000, 'o');
+        const QString path = songPath("Two Songs.zip");
+        QVERIFY(makeZip(path, {{"b.cdg", own}, {"a.ogg", oggBytes}, {"b.mp3", kMp3}, {"other.cdg", other}}));
+        m_rig->queue.rows = {song("Ann", path)};
+        QVERIFY(m_rig->starter.PlayKaraoke(0));
+        QVERIFY(m_prompts->calls.isEmpty());
+        QCOMPARE(tempFiles(), (QStringList{"Two Songs.cdg", "Two Songs.mp3", "Two Songs.play.cdg"}));
+        const QString temp = SongStarter::unpackFolder();
+        QCOMPARE(readFile(temp + "Two Songs.cdg"), own);
+        QCOMPARE(readFile(temp + "Two Songs.mp3"), kMp3);
+        QCOMPARE(readFile(temp + "Two Songs.play.cdg"), CdgNormaliser::normalise(own));
+    }
+
+    // Only the file's own name makes an archive: a song in a folder named like
+    // one plays as the plain file it is.
+    void archiveByItsOwnName_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("archive");
+        QTest::newRow("mp3 in a .zip-named folder") << "Best.Zip Hits/Song.mp3" << false;
+        QTest::newRow("zip in a .zip-named folder") << "Best.Zip Hits/Song.ZIP" << true;
+        QTest::newRow("ogg in a .kma-named folder") << "Old.kma/Song.ogg" << false;
+        QTest::newRow(".kma in any case") << "Song.Kma" << true;
+        QTest::newRow(".zip inside the name") << "Song.zip.mp3" << false;
+    }
+    void archiveByItsOwnName() {
+        QFETCH(QString, name);
+        QFETCH(bool, archive);
+        const QString path = songPath(name);
+        QCOMPARE(SongUnpacker::IsArchive(path), archive);
+        if (archive)
+            return;
+        QVERIFY(writeFile(path, kMp3));
+        m_rig->queue.rows = {song("Ann", path)};
+        QVERIFY(m_rig->starter.PlayKaraoke(0));
+        QVERIFY(m_rig->journal.contains("PlayFile:" + path));
+        QVERIFY(m_prompts->calls.isEmpty());
+    }
+
+    // Archives good and bad: a bad one is told by name, number and plain
+    // words, plays nothing, keeps the row and leaves nothing unpacked.
     void archives_data() {
         QTest::addColumn<QString>("archiveName");
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("password"); // the setting's plain password
+        QTest::addColumn<qint64>("freeSpace"); // the disk's free bytes; -1: the disk's own figure
         QTest::addColumn<QStringList>("boxes");
         QTest::addColumn<QString>("playedExt"); // empty: nothing played
-        QTest::addColumn<int>("code");          // the unzip error the box ends with; 0: none
+        QTest::addColumn<QString>("told");      // how the unzip error box ends: number, then words
         QTemporaryDir tmp;
         const auto zip = [&tmp](const QList<ZipEntry>& entries) {
             makeZip(tmp.filePath("z.zip"), entries, QStringLiteral("s3cret, ü"));
@@ -159,34 +204,56 @@ private slots:
         QByteArray damaged = good;
         damaged[200] = char(damaged[200] ^ 0x55); // inside the first entry's data
         const QStringList unzipError{""};
+        const QString damagedWords = "The archive is damaged or is not a zip file.";
         QTest::newRow("upper case, sub-folders, extra files")
             << "Sub Folder Song.zip"
-            << zip({{"deep/dir/A.CDG", cdg}, {"deep/A.MP3", kMp3}, {"readme.txt", "hello"}}) << ""
-            << QStringList{} << ".mp3" << 0;
+            << zip({{"deep/dir/A.CDG", cdg}, {"deep/A.MP3", kMp3}, {"readme.txt", "hello"}}) << "" << -1LL
+            << QStringList{} << ".mp3"
+            << "";
         QTest::newRow(".kma archive with ogg")
-            << "Song.kma" << zip({{"s.cdg", cdg}, {"s.ogg", kMp3}}) << "" << QStringList{} << ".ogg" << 0;
-        QTest::newRow("neither") << "Neither.zip" << zip({{"notes.txt", "x"}}) << ""
-                                 << QStringList{"Missing CDG File", "Missing Audio File"} << "" << 0;
-        QTest::newRow("password right") << "Locked.zip" << locked << "s3cret, ü" << QStringList{} << ".mp3" << 0;
-        QTest::newRow("password wrong") << "Locked.zip" << locked << "not it" << unzipError << "" << 0;
+            << "Song.kma" << zip({{"s.cdg", cdg}, {"s.ogg", kMp3}}) << "" << -1LL << QStringList{} << ".ogg"
+            << "";
+        QTest::newRow("neither") << "Neither.zip" << zip({{"notes.txt", "x"}}) << "" << -1LL
+                                 << QStringList{"Missing CDG File", "Missing Audio File"} << ""
+                                 << "";
+        QTest::newRow("password right")
+            << "Locked.zip" << locked << "s3cret, ü" << -1LL << QStringList{} << ".mp3"
+            << "";
+        QTest::newRow("password wrong")
+            << "Locked.zip" << locked << "not it" << -1LL << unzipError << ""
+            << "1027\nThe archive needs a different password from the one that is set.";
+        QTest::newRow("password missing") << "Locked.zip" << locked << "" << -1LL << unzipError << ""
+                                          << "1026\nThe archive needs a password, and none is set.";
         QTest::newRow("not a zip at all")
-            << "Bad.zip" << QByteArray(3000, 'q') << "" << unzipError << "" << 1000 + ZIP_ER_NOZIP;
-        // An archive that claims gigabytes is refused before anything is unpacked.
-        QTest::newRow("absurd declared size") << "Bad.zip" << withDeclaredSize(good, 0xFFFFFFF0u) << ""
-                                              << unzipError << "" << int(SongUnpacker::TooLarge);
-        QTest::newRow("damaged data") << "Bad.zip" << damaged << "" << unzipError << "" << 1000 + ZIP_ER_CRC;
+            << "Bad.zip" << QByteArray(3000, 'q') << "" << -1LL << unzipError << ""
+            << "1019\n" + damagedWords;
+        QTest::newRow("damaged data") << "Bad.zip" << damaged << "" << -1LL << unzipError << ""
+                                      << "1007\n" + damagedWords;
+        // Sizes are judged before anything is written.
+        QTest::newRow("absurd declared size")
+            << "Bad.zip" << withDeclaredSize(good, 0xFFFFFFF0u) << "" << -1LL << unzipError << ""
+            << "2004\nA song file in it is far larger than any song needs.";
+        QTest::newRow("graphics far too large")
+            << "Bad.zip" << withDeclaredSize(good, 100 * 1024 * 1024) << "" << -1LL << unzipError << ""
+            << "2004\nA song file in it is far larger than any song needs.";
+        QTest::newRow("no room on the disk")
+            << "Full.zip" << good << "" << 1000LL << unzipError << ""
+            << "2001\nA song file in it is too large for the free space on the disk.";
     }
     void archives() {
         QFETCH(QString, archiveName);
         QFETCH(QByteArray, bytes);
         QFETCH(QString, password);
+        QFETCH(qint64, freeSpace);
         QFETCH(QStringList, boxes);
         QFETCH(QString, playedExt);
-        QFETCH(int, code);
+        QFETCH(QString, told);
         const QString path = songPath(archiveName);
         QVERIFY(writeFile(path, bytes));
         oSettings->SaveStringValue("Settings", "mus", CEncryptEx::encipher(password));
         BuildArchivePassword();
+        if (freeSpace >= 0)
+            m_rig->starter.setFreeSpaceProbe([freeSpace](const QString&) { return freeSpace; });
         m_rig->queue.rows = {song("Ann", path)};
         const bool started = m_rig->starter.PlayKaraoke(0);
         QCOMPARE(m_prompts->boxTitles(), boxes);
@@ -200,8 +267,10 @@ private slots:
             QVERIFY(tempFiles().isEmpty());
         }
         for (const auto& c : m_prompts->calls)
-            QVERIFY2(c.text.contains(path) && (!code || c.text.endsWith("\n" + QString::number(code))),
-                     qPrintable(c.text));
+            QVERIFY2(c.text.contains(path), qPrintable(c.text));
+        if (!told.isEmpty())
+            QCOMPARE(m_prompts->calls.value(0).text, "There was an Error unzipping the file " + path +
+                                                         "\nPlease Check This File For Errors: \n" + told);
         // Nothing was written beside the archive.
         QCOMPARE(QDir(m_songs->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
                  QStringList{archiveName});

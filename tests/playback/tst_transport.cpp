@@ -175,6 +175,9 @@ private slots:
         QTest::newRow("leading empties") << (empty + junk + empty + cmd + empty) << QList<int>{0, 1, 2};
         QTest::newRow("all empty") << (empty + empty) << QList<int>{0, 1};
         QTest::newRow("partial packet at the end kept") << (cmd + QByteArray(10, '\0')) << QList<int>{};
+        // Packets 1 to 85 lie in the first 2 KB; from 86 on every 30th empty one counts.
+        QTest::newRow("every 30th empty after 2 KB")
+            << (cmd + empty.repeated(200)) << QList<int>{115, 145, 175};
     }
     void cdgNormalise() {
         QFETCH(QByteArray, in);
@@ -183,6 +186,15 @@ private slots:
         for (int i : neutralised)
             expected.replace(i * 24, 24, packet(0x09));
         QCOMPARE(CdgNormaliser::normalise(in), expected);
+        // Fed in pieces that cut packets anywhere, the stream comes out the same.
+        for (int piece : {1, 7, 25, 50}) {
+            CdgNormaliser stream;
+            QByteArray out;
+            for (qsizetype at = 0; at < in.size(); at += piece)
+                out += stream.feed(QByteArrayView(in).sliced(at, std::min<qsizetype>(piece, in.size() - at)));
+            out += stream.finish();
+            QCOMPARE(out, expected);
+        }
     }
 
 private:

@@ -96,12 +96,15 @@ class FakeView : public NowPlayingView, Journaled {
 public:
     explicit FakeView(QStringList& j) : Journaled{j} {}
     QString performer, key = "0";
+    QStringList clock; // "total|position", one per showing
 
     void showCurrentSong(const QString& p, const QString& a, const QString& t) override {
         performer = p;
         log("showCurrentSong:" + p + "|" + a + "|" + t);
     }
-    void showClock(const QString&, const QString&) override {}
+    void showClock(const QString& total, const QString& position) override {
+        clock.append(total + "|" + position);
+    }
     QString keyCaption() const override { return key; }
     void setKeyCaption(const QString& c) override {
         key = c;
