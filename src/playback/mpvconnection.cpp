@@ -142,6 +142,20 @@ std::optional<QJsonValue> MpvConnection::readReply(qint64 id, QDeadlineTimer dea
     }
 }
 
+bool MpvConnection::post(const QJsonValue& command) {
+    if (!isOpen())
+        return false;
+    QJsonObject msg{{QStringLiteral("command"), command}, {QStringLiteral("request_id"), m_nextId++}};
+    QByteArray line = QJsonDocument(msg).toJson(QJsonDocument::Compact);
+    line += '\n';
+    m_socket->write(line);
+    QDeadlineTimer deadline(m_timeoutMs);
+    while (m_socket->bytesToWrite() > 0)
+        if (!m_socket->waitForBytesWritten(int(deadline.remainingTime())))
+            return false;
+    return true;
+}
+
 MpvConnection::Reply MpvConnection::command(const QVariantList& args) {
     return request(QJsonArray::fromVariantList(args));
 }

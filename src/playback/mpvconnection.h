@@ -54,6 +54,11 @@ public:
     // for its reply.
     Reply request(const QJsonValue& command);
 
+    // Sends `command` and does not wait for its reply (for a command after
+    // which the player may never answer, such as quit). A late reply is passed
+    // over by the next request like any stale one.
+    bool post(const QJsonValue& command);
+
     // Conveniences over request().
     Reply command(const QVariantList& args);
     std::optional<QJsonValue> property(const QString& name);

@@ -55,6 +55,11 @@ void Transport::setAutoPlayDelay(int seconds) {
     tmrDelay.setInterval(seconds * 1000);
 }
 
+void Transport::standDown() {
+    for (QTimer* t : {&tmrUpdateClock, &tmrAutoplay, &tmrDelay, &tmrRestart})
+        t->stop();
+}
+
 void Transport::PlayKaraoke(int row) {
     // A song taken up in the middle of a restart's fade ends the restart: the
     // restart must not start the old song again once this one has stopped.

@@ -52,6 +52,10 @@ public:
     // A double click on a queue row: plays it when AllowDoubleClicks is on.
     void queueRow_DblClick(int row);
 
+    // The console is closing: every timer stops, so that nothing asks the
+    // player anything, or starts a song, while the program and the player go.
+    void standDown();
+
     void tmrUpdateClock_Timer();
     void tmrAutoplay_Timer();
     void tmrDelay_Timer();

@@ -311,7 +311,10 @@ void WinAMP_Control::SendCommand(int commandId) {
     switch (commandId) {
     case CmdClose:
         cancelFade();
-        m_conn.command({QStringLiteral("quit")});
+        // The player leaves at our word: its answer is not waited for, and from
+        // here on it is not ours to ask, so that one slow to go is no stall.
+        m_conn.post(QJsonArray{QStringLiteral("quit")});
+        m_connected = false;
         break;
     case CmdPreferences:
         prepareConfigFolder();

@@ -559,6 +559,9 @@ void frmMain::Form_Unload() {
     const QString source = QStringLiteral("KvApp.frmMain.Form_Unload");
     int line = 0;
     auto guarded = [&](const std::function<void()>& statement) { Guarded(source, ++line, statement); };
+    // The show ends with the console: no clock tick or auto-play look at a
+    // player that is on its way out.
+    m_parts->transport().standDown();
     guarded([&] { setMinimumSize(0, 0); });
     guarded([&] { m_parts->releaseKeyboardHook(); });
     guarded([&] { m_parts->search().list()->clear(); });

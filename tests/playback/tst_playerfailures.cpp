@@ -207,6 +207,26 @@ private slots:
         QVERIFY(m_prompts->calls.isEmpty());
     }
 
+    // Closing a player that is slow to go (frozen here) is no stall: the quit
+    // is not waited for, nothing is logged, and the player ends once it runs.
+    void playerSlowToQuitIsNoStall() {
+        WinAMP_Control link;
+        link.setWinampPath(m_wrapper);
+        QVERIFY(link.StartPlayer());
+        const qint64 pid = link.playerProcessId();
+        const int logged = TestWorkspace::errorLogRecords();
+        QVERIFY(::kill(pid_t(pid), SIGSTOP) == 0);
+        auto thaw = qScopeGuard([pid] { ::kill(pid_t(pid), SIGCONT); });
+        link.SendCommand(PlayerLink::CmdClose);
+        QCOMPARE(link.rawStatus(), int(PlayerLink::RawStopped));
+        QCOMPARE(TestWorkspace::errorLogRecords(), logged);
+        thaw.dismiss();
+        QVERIFY(::kill(pid_t(pid), SIGCONT) == 0);
+        QTRY_VERIFY_WITH_TIMEOUT(processGone(pid), 10000);
+        QCOMPARE(TestWorkspace::errorLogRecords(), logged);
+        QVERIFY(m_prompts->calls.isEmpty());
+    }
+
     // Graphics beside a loose mp3 are made ready in the same small memory
     // whatever their size, and a file far larger than any song is refused:
     // the host is told, nothing starts, and the row stays in the queue.
