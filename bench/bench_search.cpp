@@ -175,8 +175,9 @@ void timeSearch(Frame& f, int catalogue, const QString& label, const QString& te
     count.exec(QStringLiteral("SELECT count(*) FROM tblKaraokeTracks WHERE ") +
                SongSearch::condition(SongSearch::ByFileName, text, false));
     const qint64 matches = count.next() ? count.value(0).toLongLong() : -1;
-    out << QStringLiteral("search %1 songs, %2 (\"%3\"): %4 ms median of %5 (CPU %6 ms), %7 rows match, %8 in "
-                          "the first screenful")
+    out << QStringLiteral(
+               "search %1 songs, %2 (\"%3\"): %4 ms median of %5 (CPU %6 ms), %7 rows match, %8 in "
+               "the first screenful")
                .arg(catalogue)
                .arg(label, text)
                .arg(median(ms), 0, 'f', 1)

@@ -4,13 +4,13 @@
 #include "benchcommon.h"
 
 #include "catalogue/database.h"
-#include "core/capplicationpaths.h"
-#include "core/globals.h"
-#include "core/workingfolder.h"
 #include "core/appsettings.h"
+#include "core/capplicationpaths.h"
 #include "core/cinifile.h"
 #include "core/consoleprompts.h"
+#include "core/globals.h"
 #include "core/prompts.h"
+#include "core/workingfolder.h"
 #include "screens/frmmain.h"
 #include "screens/mainparts.h"
 
@@ -71,13 +71,15 @@ int main(int argc, char** argv) {
     const double compact = bench::medianMs(3, nullptr, [] { DatabaseCompact(); });
     bench::print("DatabaseCompact of 1,000,000 songs (median of 3)", compact, "ms", 1500);
     const QString plain = catalogue + ".plain";
-    const double vacuum = bench::medianMs(3, [&] { QFile::remove(plain); }, [&] {
-        sqlite3* db = nullptr;
-        sqlite3_open(QFile::encodeName(catalogue).constData(), &db);
-        const QByteArray sql = "VACUUM INTO '" + QFile::encodeName(plain) + "'";
-        sqlite3_exec(db, sql.constData(), nullptr, nullptr, nullptr);
-        sqlite3_close(db);
-    });
+    const double vacuum = bench::medianMs(
+        3, [&] { QFile::remove(plain); },
+        [&] {
+            sqlite3* db = nullptr;
+            sqlite3_open(QFile::encodeName(catalogue).constData(), &db);
+            const QByteArray sql = "VACUUM INTO '" + QFile::encodeName(plain) + "'";
+            sqlite3_exec(db, sql.constData(), nullptr, nullptr, nullptr);
+            sqlite3_close(db);
+        });
     std::printf("%-58s %10.2f ms\n", "for comparison: VACUUM INTO alone", vacuum);
     CloseDatabase();
     return 0;

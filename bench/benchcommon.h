@@ -42,9 +42,10 @@ inline QTemporaryDir& privateHome() {
 }
 
 inline const char* const kWords[] = {
-    "love", "night", "dance", "heart", "fire", "baby", "dream", "rain", "summer", "road", "blue", "wild",
-    "river", "gold", "moon", "city", "angel", "storm", "light", "home", "crazy", "sweet", "time", "star",
-    "girl", "boy", "world", "money", "party", "shadow", "ocean", "thunder", "magic", "queen", "king", "rock"};
+    "love",  "night", "dance",  "heart", "fire",    "baby",  "dream", "rain",  "summer",
+    "road",  "blue",  "wild",   "river", "gold",    "moon",  "city",  "angel", "storm",
+    "light", "home",  "crazy",  "sweet", "time",    "star",  "girl",  "boy",   "world",
+    "money", "party", "shadow", "ocean", "thunder", "magic", "queen", "king",  "rock"};
 constexpr int kWordCount = int(sizeof(kWords) / sizeof(kWords[0]));
 
 // Adds `rows` synthetic songs to the catalogue file at `path`, in one

@@ -31,7 +31,9 @@ QString dataFolder() {
 }
 
 // The new copy a compaction writes, beside the catalogue, until it is whole.
-QString compactCopyOf(const QString& catalogue) { return catalogue + QStringLiteral(".new"); }
+QString compactCopyOf(const QString& catalogue) {
+    return catalogue + QStringLiteral(".new");
+}
 
 // Reads the first 100 bytes of a would-be catalogue and tells what is wrong
 // with it, or an empty text when it looks like a whole SQLite file. The page
@@ -281,7 +283,8 @@ void RecoverInterruptedCompaction(bool deleteOnly) {
     const QString main = oApplicationPaths->ApplicationDatabaseFile();
     const QString temp = oApplicationPaths->CompactedDatabase();
     if (!IsRegularFile(temp)) {
-        prompts().msgBox(QStringLiteral("No fix is required"), Prompts::Information, QStringLiteral("Korvane"));
+        prompts().msgBox(QStringLiteral("No fix is required"), Prompts::Information,
+                         QStringLiteral("Korvane"));
         return;
     }
     const QString docs = oApplicationPaths->ApplicationDocuments();
@@ -337,7 +340,8 @@ bool CompactTheDatabase(const QString& source, const QString& destination) {
             mode = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
         sqlite3_finalize(st);
         if (mode != "delete")
-            throw KvError(5, QStringLiteral("The song catalogue is open in another program; it was not optimised."));
+            throw KvError(
+                5, QStringLiteral("The song catalogue is open in another program; it was not optimised."));
         run("VACUUM INTO '" + QFile::encodeName(destination).replace("'", "''") + "'");
         SyncToDisk(destination);
         ok = true;

@@ -262,7 +262,8 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     if (!kept) {
         const unsigned char* patternText = sqlite3_value_text(argv[0]);
         const int patternBytes = patternText ? sqlite3_value_bytes(argv[0]) : 0;
-        if (patternBytes > sqlite3_limit(sqlite3_context_db_handle(ctx), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1)) {
+        if (patternBytes >
+            sqlite3_limit(sqlite3_context_db_handle(ctx), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1)) {
             sqlite3_result_error(ctx, "LIKE or GLOB pattern too complex", -1);
             return;
         }
@@ -273,7 +274,9 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     const int textLength = sqlite3_value_bytes(argv[1]);
     if (!textBytes) // an empty blob may give no pointer at all
         textBytes = reinterpret_cast<const unsigned char*>("");
-    int result = pattern.neverMatches ? 0 : pattern.plainAscii ? plainMatch(pattern, textBytes, textLength) : -1;
+    int result = pattern.neverMatches ? 0
+                 : pattern.plainAscii ? plainMatch(pattern, textBytes, textLength)
+                                      : -1;
     if (result < 0) {
         thread_local std::vector<char32_t> text;
         foldText(textBytes, textLength, text);
@@ -290,8 +293,8 @@ bool InstallUnicodeLike(sqlite3* db) {
     if (!db)
         return false;
     constexpr int kFlags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
-    return sqlite3_create_function_v2(db, "like", 2, kFlags, nullptr, likeFunction, nullptr, nullptr, nullptr) ==
-               SQLITE_OK &&
-           sqlite3_create_function_v2(db, "like", 3, kFlags, nullptr, likeFunction, nullptr, nullptr, nullptr) ==
-               SQLITE_OK;
+    return sqlite3_create_function_v2(db, "like", 2, kFlags, nullptr, likeFunction, nullptr, nullptr,
+                                      nullptr) == SQLITE_OK &&
+           sqlite3_create_function_v2(db, "like", 3, kFlags, nullptr, likeFunction, nullptr, nullptr,
+                                      nullptr) == SQLITE_OK;
 }

@@ -50,8 +50,8 @@ namespace settingsfile {
 inline const QString kSection = QStringLiteral("Settings");
 
 // Defaults that name a folder or the player: the places a Linux host has them.
-QString defaultFolder();      // the home folder, with a trailing separator
-QString defaultPlayerPath();  // /usr/bin/mpv
+QString defaultFolder();     // the home folder, with a trailing separator
+QString defaultPlayerPath(); // /usr/bin/mpv
 
 // Reads of section "Settings" through oSettings, each with its default.
 bool readBool(const QString& key, bool defaultValue);

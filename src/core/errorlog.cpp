@@ -63,7 +63,9 @@ void showErrorBox(const QString& description, const QString& logProblem) {
 
 } // namespace
 
-QString errorLogPath() { return logFolder() + QStringLiteral("KVError.log"); }
+QString errorLogPath() {
+    return logFolder() + QStringLiteral("KVError.log");
+}
 
 QString errorBoxText() {
     return QStringLiteral("An Error has occured, please send the KVError.log from the ") + WorkingFolder +
@@ -89,7 +91,8 @@ void LogErrorEx(const QString& source, qint32 number, const QString& description
 
 void ShowApplicationError(const QString& description, const QString& place, qint32 line, int style,
                           const QString& detail) {
-    QString text = description + QLatin1Char('\n') + place + QStringLiteral("at line ") + QString::number(line);
+    QString text =
+        description + QLatin1Char('\n') + place + QStringLiteral("at line ") + QString::number(line);
     if (!detail.isEmpty())
         text += QLatin1Char('\n') + detail;
     prompts().msgBox(text, style, QStringLiteral("Application Error"));

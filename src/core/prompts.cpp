@@ -19,25 +19,47 @@ public:
         box.setWindowTitle(title);
         box.setText(text);
         switch (style & 0x70) {
-        case Critical: box.setIcon(QMessageBox::Critical); break;
-        case Question: box.setIcon(QMessageBox::Question); break;
-        case Exclamation: box.setIcon(QMessageBox::Warning); break;
-        case Information: box.setIcon(QMessageBox::Information); break;
-        default: box.setIcon(QMessageBox::NoIcon); break;
+        case Critical:
+            box.setIcon(QMessageBox::Critical);
+            break;
+        case Question:
+            box.setIcon(QMessageBox::Question);
+            break;
+        case Exclamation:
+            box.setIcon(QMessageBox::Warning);
+            break;
+        case Information:
+            box.setIcon(QMessageBox::Information);
+            break;
+        default:
+            box.setIcon(QMessageBox::NoIcon);
+            break;
         }
-        struct Choice { QMessageBox::StandardButton button; int answer; };
+        struct Choice {
+            QMessageBox::StandardButton button;
+            int answer;
+        };
         QList<Choice> choices;
         switch (style & 0x0F) {
-        case OkCancel: choices = {{QMessageBox::Ok, Ok}, {QMessageBox::Cancel, Cancel}}; break;
+        case OkCancel:
+            choices = {{QMessageBox::Ok, Ok}, {QMessageBox::Cancel, Cancel}};
+            break;
         case AbortRetryIgnore:
-            choices = {{QMessageBox::Abort, Abort}, {QMessageBox::Retry, Retry}, {QMessageBox::Ignore, Ignore}};
+            choices = {
+                {QMessageBox::Abort, Abort}, {QMessageBox::Retry, Retry}, {QMessageBox::Ignore, Ignore}};
             break;
         case YesNoCancel:
             choices = {{QMessageBox::Yes, Yes}, {QMessageBox::No, No}, {QMessageBox::Cancel, Cancel}};
             break;
-        case YesNo: choices = {{QMessageBox::Yes, Yes}, {QMessageBox::No, No}}; break;
-        case RetryCancel: choices = {{QMessageBox::Retry, Retry}, {QMessageBox::Cancel, Cancel}}; break;
-        default: choices = {{QMessageBox::Ok, Ok}}; break;
+        case YesNo:
+            choices = {{QMessageBox::Yes, Yes}, {QMessageBox::No, No}};
+            break;
+        case RetryCancel:
+            choices = {{QMessageBox::Retry, Retry}, {QMessageBox::Cancel, Cancel}};
+            break;
+        default:
+            choices = {{QMessageBox::Ok, Ok}};
+            break;
         }
         QMessageBox::StandardButtons buttons;
         for (const auto& c : choices)
@@ -104,17 +126,28 @@ Prompts* g_installed = nullptr;
 
 int Prompts::firstButton(int style) {
     switch (style & 0x0F) {
-    case OkCancel: return Ok;
-    case AbortRetryIgnore: return Abort;
+    case OkCancel:
+        return Ok;
+    case AbortRetryIgnore:
+        return Abort;
     case YesNoCancel:
-    case YesNo: return Yes;
-    case RetryCancel: return Retry;
-    default: return Ok;
+    case YesNo:
+        return Yes;
+    case RetryCancel:
+        return Retry;
+    default:
+        return Ok;
     }
 }
 
-Prompts& prompts() { return g_installed ? *g_installed : widgetPrompts(); }
+Prompts& prompts() {
+    return g_installed ? *g_installed : widgetPrompts();
+}
 
-void setPrompts(Prompts* p) { g_installed = p; }
+void setPrompts(Prompts* p) {
+    g_installed = p;
+}
 
-void setPromptsParent(QWidget* parent) { widgetPrompts().parent = parent; }
+void setPromptsParent(QWidget* parent) {
+    widgetPrompts().parent = parent;
+}

@@ -18,12 +18,24 @@ int perPixel(bool horizontal) {
 
 namespace twips {
 
-int perPixelX() { return perPixel(true); }
-int perPixelY() { return perPixel(false); }
-int toPixelsX(int t) { return t / perPixelX(); }
-int toPixelsY(int t) { return t / perPixelY(); }
-int fromPixelsX(int p) { return p * perPixelX(); }
-int fromPixelsY(int p) { return p * perPixelY(); }
+int perPixelX() {
+    return perPixel(true);
+}
+int perPixelY() {
+    return perPixel(false);
+}
+int toPixelsX(int t) {
+    return t / perPixelX();
+}
+int toPixelsY(int t) {
+    return t / perPixelY();
+}
+int fromPixelsX(int p) {
+    return p * perPixelX();
+}
+int fromPixelsY(int p) {
+    return p * perPixelY();
+}
 
 QRect toPixels(int left, int top, int width, int height) {
     return QRect(toPixelsX(left), toPixelsY(top), toPixelsX(width), toPixelsY(height));

@@ -4,9 +4,15 @@
 
 namespace kv {
 
-inline int versionMajor() { return KV_VERSION_MAJOR; }
-inline int versionMinor() { return KV_VERSION_MINOR; }
-inline int versionRevision() { return KV_VERSION_PATCH; }
+inline int versionMajor() {
+    return KV_VERSION_MAJOR;
+}
+inline int versionMinor() {
+    return KV_VERSION_MINOR;
+}
+inline int versionRevision() {
+    return KV_VERSION_PATCH;
+}
 
 // "3.0.1": major, minor and revision joined by points.
 inline QString versionText() {
@@ -14,6 +20,8 @@ inline QString versionText() {
 }
 
 // The main window's title: the product's name, " v3 - " and the version.
-inline QString mainWindowTitle() { return QStringLiteral("Korvane v3 - ") + versionText(); }
+inline QString mainWindowTitle() {
+    return QStringLiteral("Korvane v3 - ") + versionText();
+}
 
 } // namespace kv

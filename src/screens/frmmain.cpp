@@ -1,8 +1,8 @@
 #include "frmmain.h"
 
 #include "frmsplash.h"
-#include "mainparts.h"
 #include "mainlayout.h"
+#include "mainparts.h"
 #include "windowplacement.h"
 
 #include "catalogue/database.h"
@@ -154,7 +154,9 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     setPromptsParent(this);
 }
 
-frmMain::~frmMain() { setPromptsParent(nullptr); }
+frmMain::~frmMain() {
+    setPromptsParent(nullptr);
+}
 
 void frmMain::buildControls() {
     auto* central = new QWidget(this);
@@ -181,8 +183,8 @@ void frmMain::buildControls() {
                            QStringLiteral("Search for an imported song"), 5640, 120, 855, 375);
     btnClearSearch = makeButton(fraSearch, "btnClearSearch", QStringLiteral("&Clear"),
                                 QStringLiteral("Clear search criteria"), 6600, 120, 855, 375);
-    cmdFF = makeButton(fraSearch, "cmdFF", QStringLiteral("FV"), QStringLiteral("load a song from file system"),
-                       7560, 120, 855, 375);
+    cmdFF = makeButton(fraSearch, "cmdFF", QStringLiteral("FV"),
+                       QStringLiteral("load a song from file system"), 7560, 120, 855, 375);
     olvSearchResults = makeList(fraSearch, "olvSearchResults");
 
     // Queue and its buttons.
@@ -195,20 +197,20 @@ void frmMain::buildControls() {
                                    QStringLiteral("Move the selected song down one in the queue"),
                                    QStringLiteral("Move the selected song to bottom of the queue")};
     for (int i = 0; i < 5; ++i) {
-        btnQueueOptions[i] = makeButton(fraQueueButtons, "btnQueueOptions", queueCaptions[i], queueTips[i], 120,
-                                        240 + i * 480, 375, 375);
+        btnQueueOptions[i] = makeButton(fraQueueButtons, "btnQueueOptions", queueCaptions[i], queueTips[i],
+                                        120, 240 + i * 480, 375, 375);
         btnQueueOptions[i]->setProperty("index", i);
     }
-    btnClearQueue = makeButton(fraQueueButtons, "btnClearQueue", QStringLiteral("C"), QStringLiteral("Clear Queue"),
-                               120, 3120, 375, 375);
+    btnClearQueue = makeButton(fraQueueButtons, "btnClearQueue", QStringLiteral("C"),
+                               QStringLiteral("Clear Queue"), 120, 3120, 375, 375);
 
     // Options row.
     btnUpdateNP = makeButton(fraOptions, "btnUpdateNP", QStringLiteral("U NP"),
                              QStringLiteral("Update Next Perfomer Scroller"), 120, 120, 735, 375);
     btnClearNP = makeButton(fraOptions, "btnClearNP", QStringLiteral("C NP"),
                             QStringLiteral("Clear Next Performer Scroller"), 960, 120, 735, 375);
-    cmdImport = makeButton(fraOptions, "cmdImport", QStringLiteral("I"), QStringLiteral("Opens the index tracks screen"),
-                           1800, 120, 375, 375);
+    cmdImport = makeButton(fraOptions, "cmdImport", QStringLiteral("I"),
+                           QStringLiteral("Opens the index tracks screen"), 1800, 120, 375, 375);
     btnOptions = makeButton(fraOptions, "btnOptions", QStringLiteral("Options"), {}, 2280, 120, 855, 375);
     btnHistory = makeButton(fraOptions, "btnHistory", QStringLiteral("&History"), {}, 3240, 120, 975, 375);
 
@@ -231,8 +233,8 @@ void frmMain::buildControls() {
         btnBalance[i] = makeButton(fraBalance, "btnBalance", balance[i], {}, 120 + i * 480, 120, 375, 375);
         btnBalance[i]->setProperty("index", i);
     }
-    btnKami = makeButton(fraKami, "btnKami", QStringLiteral("K"), QStringLiteral("Load a random song to top of the queue"),
-                         120, 120, 375, 375);
+    btnKami = makeButton(fraKami, "btnKami", QStringLiteral("K"),
+                         QStringLiteral("Load a random song to top of the queue"), 120, 120, 375, 375);
     OseChkVocals = named(new QCheckBox(QStringLiteral("MPX On/Off"), fraMpx), "OseChkVocals");
     OseChkVocals->setToolTip(QStringLiteral("Turns vocals on or off on multiplex songs"));
     placeTw(OseChkVocals, 120, 120, 1275, 375);
@@ -251,10 +253,13 @@ void frmMain::buildControls() {
     lblCurrentArtist = makeLabel(fraTrackDetails, "lblCurrentArtist", {}, 1200, 600, 2655, 255, true);
     Label3 = makeLabel(fraTrackDetails, "Label3", QStringLiteral("SONG:"), 120, 960, 1095, 255, true);
     lblCurrentSong = makeLabel(fraTrackDetails, "lblCurrentSong", {}, 1200, 960, 2655, 255, true);
-    Label8 = makeLabel(fraTrackDetails, "Label8", QStringLiteral("Time Remaining:"), 120, 1320, 1455, 255, true);
-    lblPosition = makeLabel(fraTrackDetails, "lblPosition", QStringLiteral("00:00"), 1560, 1320, 735, 255, true);
+    Label8 =
+        makeLabel(fraTrackDetails, "Label8", QStringLiteral("Time Remaining:"), 120, 1320, 1455, 255, true);
+    lblPosition =
+        makeLabel(fraTrackDetails, "lblPosition", QStringLiteral("00:00"), 1560, 1320, 735, 255, true);
     Label6 = makeLabel(fraTrackDetails, "Label6", QStringLiteral("Total Time:"), 120, 1680, 1455, 255, true);
-    lblTotalTime = makeLabel(fraTrackDetails, "lblTotalTime", QStringLiteral("00:00"), 1560, 1680, 735, 255, true);
+    lblTotalTime =
+        makeLabel(fraTrackDetails, "lblTotalTime", QStringLiteral("00:00"), 1560, 1680, 735, 255, true);
     chkAutoPlay = named(new QCheckBox(QStringLiteral("Auto Play"), fraTrackDetails), "chkAutoPlay");
     chkAutoPlay->setToolTip(QStringLiteral("Turn on Auto Play"));
     placeTw(chkAutoPlay, 2760, 1320, 1095, 255);
@@ -300,21 +305,22 @@ void frmMain::layoutToWindow() {
     mainlayout::Geometry g = mainlayout::designGeometry();
     const QSize client = centralWidget() ? centralWidget()->size() : size();
     if (client.width() > 0 && client.height() > 0)
-        mainlayout::applyResize(g, twips::fromPixelsX(client.width()), twips::fromPixelsY(client.height()), 0);
+        mainlayout::applyResize(g, twips::fromPixelsX(client.width()), twips::fromPixelsY(client.height()),
+                                0);
     auto apply = [&](QWidget* w) {
         const QRect r = g.value(w->objectName());
         placeTw(w, r.left(), r.top(), r.width(), r.height());
     };
-    for (QWidget* w : {static_cast<QWidget*>(fraTrackDetails), static_cast<QWidget*>(fraPlayControl),
-                       static_cast<QWidget*>(fraKeyChange), static_cast<QWidget*>(fraBalance),
-                       static_cast<QWidget*>(fraKami), static_cast<QWidget*>(fraMpx),
-                       static_cast<QWidget*>(fraJingles), static_cast<QWidget*>(fraSearch),
-                       static_cast<QWidget*>(fraQueue), static_cast<QWidget*>(fraQueueButtons),
-                       static_cast<QWidget*>(fraOptions), static_cast<QWidget*>(fraLyrics),
-                       static_cast<QWidget*>(txtSearch), static_cast<QWidget*>(btnSearch),
-                       static_cast<QWidget*>(btnClearSearch), static_cast<QWidget*>(cmdFF),
-                       static_cast<QWidget*>(olvSearchResults), static_cast<QWidget*>(OsenXPListBox1),
-                       static_cast<QWidget*>(btnClearQueue)})
+    for (QWidget* w :
+         {static_cast<QWidget*>(fraTrackDetails), static_cast<QWidget*>(fraPlayControl),
+          static_cast<QWidget*>(fraKeyChange), static_cast<QWidget*>(fraBalance),
+          static_cast<QWidget*>(fraKami), static_cast<QWidget*>(fraMpx), static_cast<QWidget*>(fraJingles),
+          static_cast<QWidget*>(fraSearch), static_cast<QWidget*>(fraQueue),
+          static_cast<QWidget*>(fraQueueButtons), static_cast<QWidget*>(fraOptions),
+          static_cast<QWidget*>(fraLyrics), static_cast<QWidget*>(txtSearch),
+          static_cast<QWidget*>(btnSearch), static_cast<QWidget*>(btnClearSearch),
+          static_cast<QWidget*>(cmdFF), static_cast<QWidget*>(olvSearchResults),
+          static_cast<QWidget*>(OsenXPListBox1), static_cast<QWidget*>(btnClearQueue)})
         apply(w);
     picPreview->setGeometry(fraLyrics->rect().adjusted(4, 4, -4, -4));
 }
@@ -353,7 +359,8 @@ bool frmMain::Form_Load(const QString& commandLine) {
                 end = true;
             } else if (e.number() == CIniFile::kFileNotFound) {
                 prompts().msgBox(
-                    QStringLiteral("This application is not installed correctly as the settings file cannot be located"),
+                    QStringLiteral(
+                        "This application is not installed correctly as the settings file cannot be located"),
                     16400, QStringLiteral("Settings File Cannot Be Located"));
                 end = true;
             } else {
@@ -384,8 +391,9 @@ bool frmMain::Form_Load(const QString& commandLine) {
         if (!CommandLineAsksForReset(commandLine))
             return;
         const int answer = prompts().msgBox(
-            QStringLiteral("Are you sure you want to start with a fresh database and settings, this will lose all "
-                           "song history etc"),
+            QStringLiteral(
+                "Are you sure you want to start with a fresh database and settings, this will lose all "
+                "song history etc"),
             52, QStringLiteral("Reset Korvane"));
         if (answer == Prompts::Yes)
             MoveCataloguesToDocuments();
@@ -399,10 +407,11 @@ bool frmMain::Form_Load(const QString& commandLine) {
     step([&] {
         if (!CheckForOldDatabase())
             return;
-        prompts().msgBox(QStringLiteral("An old database has been found and this application cannot use it.\n"
-                                        "Please restart Korvane using the reset database option available from the "
-                                        "Start Menu/All Programs/Korvane shortcut."),
-                         Prompts::Exclamation, QStringLiteral("Old Database Found"));
+        prompts().msgBox(
+            QStringLiteral("An old database has been found and this application cannot use it.\n"
+                           "Please restart Korvane using the reset database option available from the "
+                           "Start Menu/All Programs/Korvane shortcut."),
+            Prompts::Exclamation, QStringLiteral("Old Database Found"));
         throw EndProgram{};
     });
     // No extra layout height on this system.
@@ -454,7 +463,10 @@ void frmMain::InitialiseStartup() {
     progress(QStringLiteral("Checking Folders"));
     guarded([&] { CheckWorkingFolder(); });
     progress(QStringLiteral("Getting Settings"));
-    guarded([&] { ApplyFirstStart(oApplicationPaths->ApplicationDocuments(), oApplicationPaths->ApplicationInstallPath()); });
+    guarded([&] {
+        ApplyFirstStart(oApplicationPaths->ApplicationDocuments(),
+                        oApplicationPaths->ApplicationInstallPath());
+    });
     ReadStartupSettings(kInitSource);
     guarded([&] { m_parts->transport().setAutoPlayDelay(Cfg.AutoPlayDelay); });
     guarded([&] { m_parts->queue().applyStartupSwitches(); });
@@ -480,7 +492,8 @@ void frmMain::InitialiseStartup() {
             m_parts->search().LoadAllSongs();
     });
     guarded([&] {
-        Cfg.WinAmpPath = settingsfile::readText(QStringLiteral("WinAmpPath"), settingsfile::defaultPlayerPath());
+        Cfg.WinAmpPath =
+            settingsfile::readText(QStringLiteral("WinAmpPath"), settingsfile::defaultPlayerPath());
     });
     // The queue comes back, then the player starts (with their progress texts).
     guarded([&] {
@@ -534,8 +547,8 @@ void frmMain::showBackgroundPreview() {
         picPreview->clear();
         return;
     }
-    picPreview->setPixmap(QPixmap::fromImage(
-        image.scaled(picPreview->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+    picPreview->setPixmap(
+        QPixmap::fromImage(image.scaled(picPreview->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)));
 }
 
 // ---------------------------------------------------------------- shutdown

@@ -37,8 +37,12 @@ void setHeight(QRect& r, int h) {
     if (h >= 0)
         r.setHeight(h);
 }
-void setLeft(QRect& r, int x) { r.moveLeft(x); }
-void setTop(QRect& r, int y) { r.moveTop(y); }
+void setLeft(QRect& r, int x) {
+    r.moveLeft(x);
+}
+void setTop(QRect& r, int y) {
+    r.moveTop(y);
+}
 
 } // namespace
 

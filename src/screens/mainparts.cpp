@@ -43,7 +43,8 @@ void MainParts::connectControls() {
     connect(m_w.btnStop, &QPushButton::clicked, this, [this] { m_transport.btnStop_Click(); });
     connect(m_w.btnPause, &QPushButton::clicked, this, [this] { m_transport.btnPause_Click(); });
     connect(m_w.btnRestart, &QPushButton::clicked, this, [this] { m_transport.btnRestart_Click(); });
-    connect(m_w.chkAutoPlay, &QCheckBox::clicked, this, [this](bool on) { m_transport.chkAutoPlay_Click(on); });
+    connect(m_w.chkAutoPlay, &QCheckBox::clicked, this,
+            [this](bool on) { m_transport.chkAutoPlay_Click(on); });
     connect(m_w.chkDelay, &QCheckBox::clicked, this, [this](bool on) { m_transport.chkDelay_Click(on); });
 
     connect(m_w.btnKeyUp, &QPushButton::clicked, this, [this] { m_keys.btnKeyUp_Click(); });
@@ -60,22 +61,31 @@ void MainParts::cmdImport_Click() {
     releaseKeyboardHook();
     {
         frmImportSongs dialog(&m_w);
-        connect(&dialog, &frmImportSongs::queueListClearRequested, this, [this] { m_queue->model()->clearItems(); });
+        connect(&dialog, &frmImportSongs::queueListClearRequested, this,
+                [this] { m_queue->model()->clearItems(); });
         dialog.exec();
     }
     createKeyboardHook();
 }
 
-int MainParts::rowCount() const { return m_queue->rowCount(); }
+int MainParts::rowCount() const {
+    return m_queue->rowCount();
+}
 
 SelectedSong MainParts::detailsFromRow(int row) const {
     const QueueEntryDetails d = m_queue->GetDetailsFromRow(row);
     return SelectedSong{d.PerformerName, d.TrackPath, d.ArtistName, d.TrackName, d.Key};
 }
 
-int MainParts::selectedRow() const { return m_queue->selectedIndex(); }
-void MainParts::removeRow(int row) { m_queue->removeRow(row); }
-void MainParts::saveQueue() { m_queue->SaveQueue(); }
+int MainParts::selectedRow() const {
+    return m_queue->selectedIndex();
+}
+void MainParts::removeRow(int row) {
+    m_queue->removeRow(row);
+}
+void MainParts::saveQueue() {
+    m_queue->SaveQueue();
+}
 
 void MainParts::showCurrentSong(const QString& performer, const QString& artist, const QString& title) {
     m_w.lblCurrentPerformer->setText(performer);
@@ -88,8 +98,16 @@ void MainParts::showClock(const QString& totalTime, const QString& position) {
     m_w.lblPosition->setText(position);
 }
 
-QString MainParts::keyCaption() const { return m_w.btnKeyReset->text(); }
-void MainParts::setKeyCaption(const QString& caption) { m_w.btnKeyReset->setText(caption); }
+QString MainParts::keyCaption() const {
+    return m_w.btnKeyReset->text();
+}
+void MainParts::setKeyCaption(const QString& caption) {
+    m_w.btnKeyReset->setText(caption);
+}
 
-void MainParts::releaseKeyboardHook() { m_search->releaseKeyboardHook(); }
-void MainParts::createKeyboardHook() { m_search->createKeyboardHook(); }
+void MainParts::releaseKeyboardHook() {
+    m_search->releaseKeyboardHook();
+}
+void MainParts::createKeyboardHook() {
+    m_search->createKeyboardHook();
+}

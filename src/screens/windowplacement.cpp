@@ -25,7 +25,8 @@ WindowPlacement GetWindowPositions(bool firstStart, int currentWidth, int curren
     } else {
         p.left = readText(QStringLiteral("MainLeft"), QStringLiteral("0")).toInt();
         p.top = readText(QStringLiteral("MainTop"), QStringLiteral("0")).toInt();
-        p.width = readText(QStringLiteral("MainWidth"), QString::number(mainlayout::kRestoreMinWidth)).toInt();
+        p.width =
+            readText(QStringLiteral("MainWidth"), QString::number(mainlayout::kRestoreMinWidth)).toInt();
     }
     if (p.width < mainlayout::kRestoreMinWidth)
         p.width = mainlayout::kRestoreMinWidth;

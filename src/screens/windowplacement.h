@@ -9,8 +9,8 @@ class QWidget;
 // MainHeight and MainState (0 normal, 2 maximised).
 struct WindowPlacement {
     bool maximised = false;
-    bool centre = false;  // first start: centre on the primary screen, keep the size
-    int left = 0, top = 0, width = 0, height = 0;  // twips; width/height 0 = keep
+    bool centre = false;                          // first start: centre on the primary screen, keep the size
+    int left = 0, top = 0, width = 0, height = 0; // twips; width/height 0 = keep
 };
 
 // Reads the saved place. `firstStart` centres the window instead of reading

@@ -29,7 +29,9 @@ struct SearchFrame {
     std::unique_ptr<SearchController> search = std::make_unique<SearchController>(SearchWidgets{
         txtSearch, new QPushButton(&window), new QPushButton(&window), olvSearchResults, tmrSearch});
 
-    SearchFrame() { txtSearch->setObjectName(QStringLiteral("txtSearch")); } // the key hook looks for the name
+    SearchFrame() {
+        txtSearch->setObjectName(QStringLiteral("txtSearch"));
+    } // the key hook looks for the name
     ~SearchFrame() { search.reset(); }
     int rows() const { return search->model()->rowCount(); }
     bool showAndFocus(QWidget* w) {

@@ -21,8 +21,18 @@ using namespace queuetest;
 namespace {
 
 // The first five are the queue buttons' indexes.
-enum Action { ActMoveToTop, ActMoveUp, ActRemove, ActMoveDown, ActMoveToBottom,
-              ActChangeSinger, ActAddFromSearch, ActKamikaze, ActAddFromFile, ActSortByHeader };
+enum Action {
+    ActMoveToTop,
+    ActMoveUp,
+    ActRemove,
+    ActMoveDown,
+    ActMoveToBottom,
+    ActChangeSinger,
+    ActAddFromSearch,
+    ActKamikaze,
+    ActAddFromFile,
+    ActSortByHeader
+};
 
 } // namespace
 
@@ -161,7 +171,8 @@ private slots:
         model().addItem({"9", "Sam", "Art", "Song", "-3"}, QStringLiteral("/s/a.zip"));
         const auto details = [this](int row) {
             const QueueEntryDetails d = m_queue->GetDetailsFromRow(row);
-            return QStringList{d.PerformerName, d.ArtistName, d.TrackName, d.TrackPath, QString::number(d.Key)};
+            return QStringList{d.PerformerName, d.ArtistName, d.TrackName, d.TrackPath,
+                               QString::number(d.Key)};
         };
         QCOMPARE(details(0), QStringList({"Sam", "Art", "Song", "/s/a.zip", "-3"}));
         // A row that is not there: empty details, logged, no crash.

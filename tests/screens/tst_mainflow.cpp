@@ -79,8 +79,8 @@ private slots:
         QVERIFY(start(again));
         QueueModel* queue = again.parts().queue().model();
         QCOMPARE(queue->rowCount(), 1);
-        QCOMPARE(QStringList({queue->cellText(0, QueueModel::ColPerformer), queue->cellText(0, QueueModel::ColKey),
-                              queue->itemTag(0)}),
+        QCOMPARE(QStringList({queue->cellText(0, QueueModel::ColPerformer),
+                              queue->cellText(0, QueueModel::ColKey), queue->itemTag(0)}),
                  QStringList({QString::fromUtf8("Zo\xc3\xab"), "-2", "/k/q1.zip"}));
         QCOMPARE(boxes.calls.size(), 0);
         again.close();

@@ -20,8 +20,8 @@ private slots:
                                 << false << QRect(300, 450, 15000, 11000);
         QTest::newRow("width floor") << "MainWidth=100|MainHeight=9300" << false << QRect(0, 0, 12945, 9300);
         QTest::newRow("nothing saved") << "" << false << QRect(0, 0, 12945, 9210);
-        QTest::newRow("maximised reads no size") << "MainLeft=15|MainTop=30|MainWidth=99999|MainState=2" << true
-                                                 << QRect(15, 30, 14000, 10000);
+        QTest::newRow("maximised reads no size")
+            << "MainLeft=15|MainTop=30|MainWidth=99999|MainState=2" << true << QRect(15, 30, 14000, 10000);
     }
     void savedPlace() {
         QFETCH(QString, keys);

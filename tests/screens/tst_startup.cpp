@@ -47,7 +47,8 @@ int songsIn(const QString& file) {
     sqlite3* db = nullptr;
     sqlite3_stmt* st = nullptr;
     int n = -1;
-    if (sqlite3_open_v2(QFile::encodeName(file).constData(), &db, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK &&
+    if (sqlite3_open_v2(QFile::encodeName(file).constData(), &db, SQLITE_OPEN_READWRITE, nullptr) ==
+            SQLITE_OK &&
         sqlite3_prepare_v2(db, "SELECT count(*) FROM tblKaraokeTracks", -1, &st, nullptr) == SQLITE_OK &&
         sqlite3_step(st) == SQLITE_ROW)
         n = sqlite3_column_int(st, 0);

@@ -17,5 +17,5 @@ struct Registrar {
 
 } // namespace kvtest
 
-#define KV_TEST_CLASS(Class) \
+#define KV_TEST_CLASS(Class)                                                                                 \
     static kvtest::Registrar kv_registrar_##Class([]() -> QObject* { return new Class; });

@@ -41,7 +41,7 @@ class TestId3v1Tag : public QObject {
 private slots:
     void readsTags_data() {
         QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<float>("version"); // 0: no tag
+        QTest::addColumn<float>("version");  // 0: no tag
         QTest::addColumn<QString>("fields"); // title|artist|comment|track|genre
         const QByteArray audio(4000, '\x55');
         QByteArray v11comment = QByteArray("Nice").leftJustified(28, '\0');
@@ -50,18 +50,18 @@ private slots:
         const QByteArray full30 = "abcdefghijklmnopqrstuvwxyz0123";
         // No tag: the fields are emptied and the genre reads "none".
         const QString none = QStringLiteral("|||0|255");
-        QTest::newRow("1.1 with track") << audio + tagBlock("Title", "Artist", v11comment, 17) << 1.1f
-                                        << "Title|Artist|Nice|7|17";
-        QTest::newRow("1.0 with 30-byte comment")
-            << audio + tagBlock("Title", "Artist", full30, 0) << 1.0f << QString::fromLatin1("Title|Artist|" + full30 + "|0|0");
+        QTest::newRow("1.1 with track")
+            << audio + tagBlock("Title", "Artist", v11comment, 17) << 1.1f << "Title|Artist|Nice|7|17";
+        QTest::newRow("1.0 with 30-byte comment") << audio + tagBlock("Title", "Artist", full30, 0) << 1.0f
+                                                  << QString::fromLatin1("Title|Artist|" + full30 + "|0|0");
         QTest::newRow("latin-1 and invalid utf-8 bytes")
             << audio + tagBlock("Caf\xe9 \xff\xfe", "Bj\xf6rk", "", 13) << 1.1f
             << QString::fromUtf8("Café ÿþ|Björk||0|13");
         QTest::newRow("tag only, no audio") << tagBlock("T", "A", "", 1) << 1.1f << "T|A||0|1";
         QTest::newRow("no tag") << audio << 0.0f << none;
         QTest::newRow("empty file") << QByteArray() << 0.0f << none;
-        QTest::newRow("TAG not at the tag's place") << tagBlock("T", "A", "", 1) + QByteArray(10, 'x') << 0.0f
-                                                    << none;
+        QTest::newRow("TAG not at the tag's place")
+            << tagBlock("T", "A", "", 1) + QByteArray(10, 'x') << 0.0f << none;
     }
     void readsTags() {
         QFETCH(QByteArray, file);
@@ -76,7 +76,8 @@ private slots:
         QCOMPARE(tag.LastError().number(), version > 0 ? clsID3v1Tag::kSuccess : clsID3v1Tag::kNoTag);
         QCOMPARE(v, version);
         QTEST(QStringList({tag.Title, tag.Artist, tag.Comment, QString::number(tag.Track),
-                           QString::number(tag.Genre)}).join('|'),
+                           QString::number(tag.Genre)})
+                  .join('|'),
               "fields");
     }
 
@@ -98,7 +99,8 @@ private slots:
         r.FileName = path;
         QVERIFY(r.ReadTag());
         QCOMPARE(QStringList({r.Title, r.Artist, r.Comment, QString::number(r.Track), r.GenreString()}),
-                 (QStringList{QString::fromUtf8("Déjà Vu"), "An artist whose name is far lo", "Short", "12", "Rock"}));
+                 (QStringList{QString::fromUtf8("Déjà Vu"), "An artist whose name is far lo", "Short", "12",
+                              "Rock"}));
         QVERIFY(r.RemoveTag());
         QVERIFY(!r.RemoveTag()); // the second finds no tag and cuts nothing
         QCOMPARE(r.LastError().number(), clsID3v1Tag::kNoTag);
@@ -106,7 +108,6 @@ private slots:
         QVERIFY(f.open(QIODevice::ReadOnly));
         QCOMPARE(f.readAll(), audio);
     }
-
 };
 
 KV_TEST_CLASS(TestId3v1Tag)

@@ -9,10 +9,10 @@
 #include "playbackmedia.h"
 
 #include <QDir>
-#include <QStandardPaths>
 #include <QFile>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QStandardPaths>
 #include <QTest>
 
 TestWorkspace::TestWorkspace(bool openCatalogue) {
@@ -53,10 +53,18 @@ void TestWorkspace::seedWithQuietPlayer() {
                             QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)));
 }
 
-QString TestWorkspace::dataFolder() const { return WorkingFolder; }
-QString TestWorkspace::catalogueFile() const { return WorkingFolder + QStringLiteral("kvsonglist.mdb"); }
-QString TestWorkspace::settingsFile() const { return WorkingFolder + QStringLiteral("settings.ini"); }
-QString TestWorkspace::documentsFolder() const { return oApplicationPaths->ApplicationDocuments(); }
+QString TestWorkspace::dataFolder() const {
+    return WorkingFolder;
+}
+QString TestWorkspace::catalogueFile() const {
+    return WorkingFolder + QStringLiteral("kvsonglist.mdb");
+}
+QString TestWorkspace::settingsFile() const {
+    return WorkingFolder + QStringLiteral("settings.ini");
+}
+QString TestWorkspace::documentsFolder() const {
+    return oApplicationPaths->ApplicationDocuments();
+}
 
 QList<qint64> TestWorkspace::addSongs(const QStringList& artistDashTitle) {
     QList<qint64> ids;

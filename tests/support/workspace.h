@@ -12,8 +12,8 @@ public:
     explicit TestWorkspace(bool openCatalogue = true);
     ~TestWorkspace();
 
-    QString dataFolder() const;     // the working folder, with a trailing separator
-    QString catalogueFile() const;  // the working folder's kvsonglist.mdb
+    QString dataFolder() const;    // the working folder, with a trailing separator
+    QString catalogueFile() const; // the working folder's kvsonglist.mdb
     QString settingsFile() const;
     QString documentsFolder() const;
 
