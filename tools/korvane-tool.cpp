@@ -2,6 +2,7 @@
 // working folder as the program.
 //   korvane-tool import FOLDER --convention N [--kamikaze]
 //   korvane-tool search WORDS...
+//   korvane-tool export songs|dedup|songbook FILE [--case upper|lower] [--email ADDRESS]
 #include "kvtool.h"
 
 #include <QCoreApplication>
@@ -13,7 +14,9 @@ int main(int argc, char** argv) {
     QTextStream err(stderr);
     if (args.isEmpty()) {
         err << "usage: korvane-tool import FOLDER --convention N [--kamikaze]\n"
-               "       korvane-tool search WORDS...\n";
+               "       korvane-tool search WORDS...\n"
+               "       korvane-tool export songs|dedup|songbook FILE [--case upper|lower] [--email "
+               "ADDRESS]\n";
         return 2;
     }
     const QString command = args.takeFirst();
@@ -21,6 +24,8 @@ int main(int argc, char** argv) {
         return kvtool::runImport(args);
     if (command == QLatin1String("search"))
         return kvtool::runSearch(args);
+    if (command == QLatin1String("export"))
+        return kvtool::runExport(args);
     err << "korvane-tool: unknown command " << command << "\n";
     return 2;
 }

@@ -13,8 +13,9 @@ namespace kvtool {
 // another import holds it; reading needs no lock.
 bool openWorkingFolder(CatalogueUse use);
 
-// The two commands; each returns the process's exit code.
+// The commands; each returns the process's exit code.
 int runImport(const QStringList& args);
 int runSearch(const QStringList& args);
+int runExport(const QStringList& args);
 
 } // namespace kvtool

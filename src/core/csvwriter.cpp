@@ -2,16 +2,18 @@
 
 QByteArray CsvWriter::quoted(const QString& text) {
     QByteArray out;
-    const QByteArray utf8 = text.toUtf8();
-    out.reserve(utf8.size() + 2);
-    out += '"';
+    appendQuoted(out, text.toUtf8());
+    return out;
+}
+
+void CsvWriter::appendQuoted(QByteArray& line, QByteArrayView utf8) {
+    line += '"';
     for (char c : utf8) {
         if (c == '"')
-            out += '"';
-        out += c;
+            line += '"';
+        line += c;
     }
-    out += '"';
-    return out;
+    line += '"';
 }
 
 QByteArray CsvWriter::line(const QList<Field>& fields) {

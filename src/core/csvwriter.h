@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QStringList>
 #include <variant>
@@ -19,4 +20,6 @@ public:
     static QByteArray header(const QStringList& captions);
     // One text field, quoted.
     static QByteArray quoted(const QString& text);
+    // Appends UTF-8 text to `line` as one quoted field.
+    static void appendQuoted(QByteArray& line, QByteArrayView utf8);
 };

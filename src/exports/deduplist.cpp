@@ -1,0 +1,152 @@
+#include "deduplist.h"
+
+#include "catalogue/database.h"
+#include "catalogue/sqlitestatement.h"
+#include "exports/exportfile.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace {
+
+// Jet's TEXT (255) and TEXT (100) limits, as checks, so that an over-long
+// name is refused like any other row the table does not take.
+const QString kCreateTable =
+    QStringLiteral("CREATE TABLE tblDedup (SongId INTEGER, "
+                   "ArtistName TEXT(255) NOT NULL COLLATE NOCASE CHECK (length(ArtistName) <= 255), "
+                   "TrackName TEXT(255) NOT NULL COLLATE NOCASE CHECK (length(TrackName) <= 255), "
+                   "DiscName TEXT(255) COLLATE NOCASE CHECK (length(DiscName) <= 255), "
+                   "TrackNo TEXT(100) COLLATE NOCASE CHECK (length(TrackNo) <= 100));");
+const QString kCreateIndex =
+    QStringLiteral("CREATE UNIQUE INDEX idxDepup ON tblDedup (ArtistName, TrackName)");
+const QString kDelete = QStringLiteral("DELETE FROM tblDedup");
+
+bool tryExec(const QString& sql) {
+    QSqlQuery q(dbConnection());
+    return q.exec(sql);
+}
+
+QString cased(const QString& text, DedupList::CaseMode mode) {
+    switch (mode) {
+    case DedupList::CaseMode::Upper:
+        return text.toUpper();
+    case DedupList::CaseMode::Lower:
+        return text.toLower();
+    case DedupList::CaseMode::LeaveAlone:
+        break;
+    }
+    return text;
+}
+
+QByteArray quotedAsIs(const QString& text) {
+    return '"' + text.toUtf8() + '"';
+}
+
+} // namespace
+
+void DedupList::CreateDedupTable() {
+    tryExec(kDelete);
+    tryExec(kCreateTable);
+    tryExec(kCreateIndex);
+}
+
+void DedupList::clear() {
+    if (!tryExec(kDelete))
+        CreateDedupTable();
+}
+
+qint64 DedupList::BuildDedupTable(const Progress& progress) {
+    LargeCatalogueCache cache;
+    clear();
+    QSqlDatabase db = dbConnection();
+    sqlite3* native = NativeHandle(db);
+    qint64 total = 0;
+    SqliteStatement count(native, "SELECT COUNT(*) FROM tblKaraokeTracks");
+    if (count.next())
+        total = count.integer(0);
+
+    SqliteStatement songs(native, "SELECT KaraokeTrackId, ArtistName, TrackName, DiscName, TrackNo FROM "
+                                  "tblKaraokeTracks;");
+    SqliteStatement insert(native, "INSERT INTO tblDedup (SongId, ArtistName, TrackName, DiscName, TrackNo "
+                                   ")Values(?, ?, ?, ?, ?)");
+    if (!songs.ok() || !insert.ok())
+        return 0;
+    // One transaction: a refused row fails alone and the rest go on.
+    db.transaction();
+    qint64 done = 0;
+    qint64 kept = 0;
+    while (songs.next()) {
+        ++done;
+        // The disc and track number reach this statement unescaped in the
+        // list's long-standing form, so that a row with an apostrophe there
+        // never made it into the list: it stays out.
+        if (!songs.text(3).contains('\'') && !songs.text(4).contains('\'')) {
+            insert.bind(1, songs.integer(0));
+            for (int c = 1; c < 5; ++c) {
+                if (songs.isNull(c))
+                    insert.bindNull(c + 1);
+                else
+                    insert.bind(c + 1, songs.text(c));
+            }
+            if (insert.run())
+                ++kept;
+        }
+        if (progress && !progress(done, total))
+            break;
+    }
+    db.commit();
+    return kept;
+}
+
+QByteArray DedupList::line(qint64 songId, const QString& artist, const QString& title, const QString& disc,
+                           const QString& trackNo, CaseMode mode) {
+    QByteArray out =
+        mode == CaseMode::LeaveAlone ? QByteArray::number(songId) : quotedAsIs(QString::number(songId));
+    for (const QString* text : {&artist, &title, &disc, &trackNo})
+        out += ',' + quotedAsIs(cased(*text, mode));
+    out += "\r\n";
+    return out;
+}
+
+bool DedupList::ExportDedup(const QString& path, CaseMode mode, const Progress& progress, QString* error) {
+    LargeCatalogueCache cache;
+    sqlite3* native = NativeHandle(dbConnection());
+    qint64 total = 0;
+    SqliteStatement count(native, "SELECT COUNT(*) FROM tblDedup");
+    if (count.next())
+        total = count.integer(0);
+
+    ExportWriter file(path);
+    if (!file.open()) {
+        *error = file.error();
+        return false;
+    }
+    qint64 done = 0;
+    {
+        SqliteStatement rows(native, "Select * From tblDeDup order by ArtistName");
+        if (!rows.ok()) {
+            *error = rows.error();
+            return false;
+        }
+        while (rows.next()) {
+            if (mode == CaseMode::LeaveAlone) {
+                // The common case straight from the bytes.
+                QByteArray out = QByteArray::number(rows.integer(0));
+                for (int c = 1; c < 5; ++c)
+                    out += ",\"" + rows.text(c).toByteArray() + '"';
+                out += "\r\n";
+                file.write(out);
+            } else {
+                auto text = [&](int c) { return QString::fromUtf8(rows.text(c)); };
+                file.write(line(rows.integer(0), text(1), text(2), text(3), text(4), mode));
+            }
+            if (progress && !progress(++done, total))
+                break;
+        }
+    }
+    const bool written = file.commit();
+    *error = file.error();
+    tryExec(kDelete);
+    return written;
+}

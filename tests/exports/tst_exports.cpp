@@ -1,0 +1,361 @@
+#include "catalogue/database.h"
+#include "childprocess.h"
+#include "core/csvreader.h"
+#include "exports/deduplist.h"
+#include "exports/exportfile.h"
+#include "exports/songbook.h"
+#include "exports/songlist.h"
+#include "smalldisk.h"
+#include "testrunner.h"
+#include "workspace.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QTest>
+
+using Rows = QList<QStringList>;
+
+namespace {
+
+// A catalogue row: artist, title, disc, track number, path, error mark.
+struct Song {
+    QString artist, title, disc, trackNo, path;
+    bool error = false;
+};
+
+void addSongs(const QList<Song>& songs) {
+    for (const Song& s : songs) {
+        QSqlQuery q(dbConnection());
+        q.prepare("INSERT INTO tblKaraokeTracks (ArtistName, TrackName, DiscName, TrackNo, TrackPath, Error) "
+                  "VALUES (?, ?, ?, ?, ?, ?)");
+        for (const QVariant& v : {QVariant(s.artist), QVariant(s.title), QVariant(s.disc),
+                                  QVariant(s.trackNo), QVariant(s.path), QVariant(s.error ? -1 : 0)})
+            q.addBindValue(v);
+        QVERIFY2(q.exec(), "insert");
+    }
+}
+
+QByteArray fileBytes(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+}
+
+Rows readCsv(const QString& path) {
+    Rows rows;
+    const auto r = CsvReader::readFile(path, [&](const QStringList& row) {
+        rows << row;
+        return true;
+    });
+    return r.ok ? rows : Rows{{"<unreadable>", r.error}};
+}
+
+QStringList column(QSqlDatabase db, const QString& sql) {
+    QStringList out;
+    QSqlQuery q(db);
+    q.exec(sql);
+    while (q.next())
+        out << q.value(0).toString();
+    return out;
+}
+
+} // namespace
+
+class TestExports : public QObject {
+    Q_OBJECT
+
+private slots:
+    void exportPaths_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("plain") << "Ann History.csv" << true;
+        QTest::newRow("dots inside a name are harmless") << "AC..DC.kbd" << true;
+        QTest::newRow("a slash") << "../escape.kbd" << false;
+        QTest::newRow("an absolute path") << "/etc/passwd" << false;
+        QTest::newRow("only dots") << ".." << false;
+        QTest::newRow("empty") << "" << false;
+        QTest::newRow("a NUL") << QString("a") + QChar(0) + "b" << false;
+    }
+    void exportPaths() {
+        QFETCH(QString, name);
+        QFETCH(bool, accepted);
+        QTemporaryDir dir;
+        QString error;
+        const QString path = exportPathIn(dir.path(), name, &error);
+        QCOMPARE(!path.isEmpty(), accepted);
+        QCOMPARE(error.isEmpty(), accepted);
+        if (accepted)
+            QCOMPARE(QFileInfo(path).absolutePath(), QFileInfo(dir.path()).absoluteFilePath());
+    }
+
+    void missingFolderWritesNothing() {
+        QString error;
+        QVERIFY(exportPathIn("/nonexistent/Desktop", "SongExport.csv", &error).isEmpty());
+        QVERIFY(error.contains("/nonexistent/Desktop"));
+        QCOMPARE(fileNameFromText("AC/DC"), QString("AC-DC"));
+    }
+
+    void dedupFile_data() {
+        QTest::addColumn<QList<Song>>("songs");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QByteArray>("expected");
+        const QList<Song> twoDiscs{{"Abba", "Waterloo", "D1", "01", "/a"},
+                                   {"Abba", "Waterloo", "D2", "02", "/b"}};
+        QTest::newRow("the first of two discs wins")
+            << twoDiscs << 0 << QByteArray("1,\"Abba\",\"Waterloo\",\"D1\",\"01\"\r\n");
+        QTest::newRow("artists alike but for case are one")
+            << QList<Song>{{"ABBA", "waterloo", "D1", "01", "/a"}, {"abba", "Waterloo", "D2", "02", "/b"}}
+            << 0 << QByteArray("1,\"ABBA\",\"waterloo\",\"D1\",\"01\"\r\n");
+        QTest::newRow("a disc with an apostrophe is left out, by artist order")
+            << QList<Song>{{"Zed", "Song", "Rock 'n' Roll", "01", "/a"},
+                           {"Cher", "Believe", "D", "02", "/b"},
+                           {"Adele", "Hello", "D", "03", "/c"}}
+            << 0
+            << QByteArray("3,\"Adele\",\"Hello\",\"D\",\"03\"\r\n2,\"Cher\",\"Believe\",\"D\",\"02\"\r\n");
+        QTest::newRow("quotes stand unescaped, other letters kept")
+            << QList<Song>{{"Die \"Ärzte\"", "Schrei, nach", "D", "1", "/a"}} << 0
+            << QByteArray("1,\"Die \"Ärzte\"\",\"Schrei, nach\",\"D\",\"1\"\r\n");
+        QTest::newRow("upper case quotes the id too")
+            << QList<Song>{{"Die Ärzte", "Lied", "d", "1a", "/a"}} << 1
+            << QByteArray("\"1\",\"DIE ÄRZTE\",\"LIED\",\"D\",\"1A\"\r\n");
+        QTest::newRow("lower case") << QList<Song>{{"ABBA", "SOS", "D", "X", "/a"}} << 2
+                                    << QByteArray("\"1\",\"abba\",\"sos\",\"d\",\"x\"\r\n");
+    }
+    void dedupFile() {
+        QFETCH(QList<Song>, songs);
+        QFETCH(int, mode);
+        QFETCH(QByteArray, expected);
+        TestWorkspace ws;
+        addSongs(songs);
+        DedupList::BuildDedupTable();
+        const QString path = ws.documentsFolder() + DedupList::kFileName;
+        QString error;
+        QVERIFY2(DedupList::ExportDedup(path, DedupList::CaseMode(mode), {}, &error), qPrintable(error));
+        QCOMPARE(fileBytes(path), expected);
+        // The scratch table is emptied after the export.
+        QCOMPARE(column(dbConnection(), "SELECT COUNT(*) FROM tblDedup"), QStringList{"0"});
+    }
+
+    void dedupProgressCountsEveryRow() {
+        TestWorkspace ws;
+        addSongs({{"A", "1", "D", "1", "/a"}, {"A", "1", "D", "1", "/b"}, {"B", "2", "D", "1", "/c"}});
+        QList<qint64> seen;
+        QCOMPARE(DedupList::BuildDedupTable([&](qint64 done, qint64 total) {
+                     seen << done << total;
+                     return true;
+                 }),
+                 qint64(2));
+        QCOMPARE(seen, (QList<qint64>{1, 3, 2, 3, 3, 3}));
+    }
+
+    void songListFile_data() {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<Rows>("expected");
+        QTest::newRow("all songs") << int(SongList::AllSongs)
+                                   << Rows{{"Artist", "Track", "Disc", "TrackNo", "Location"},
+                                           {"O'Brien, \"Pat\"", "Ärger", "D1", "01", "/s/o.zip"},
+                                           {"Cher", "Believe", "D2", "02", "/s/c.zip"}};
+        QTest::newRow("songs with errors") << int(SongList::SongsWithErrors)
+                                           << Rows{{"Artist", "Track", "Disc", "TrackNo", "Location"},
+                                                   {"Cher", "Believe", "D2", "02", "/s/c.zip"}};
+        QTest::newRow("no duplicates has four columns") << int(SongList::AllSongsNoDuplicates)
+                                                        << Rows{{"Artist", "Track", "Disc", "TrackNo"},
+                                                                {"O'Brien, \"Pat\"", "Ärger", "D1", "01"},
+                                                                {"Cher", "Believe", "D2", "02"}};
+    }
+    void songListFile() {
+        QFETCH(int, kind);
+        QFETCH(Rows, expected);
+        TestWorkspace ws;
+        addSongs({{"O'Brien, \"Pat\"", "Ärger", "D1", "01", "/s/o.zip"},
+                  {"Cher", "Believe", "D2", "02", "/s/c.zip", true}});
+        if (kind == SongList::AllSongsNoDuplicates)
+            DedupList::BuildDedupTable();
+        const QString path = ws.documentsFolder() + SongList::kFileName;
+        QString error;
+        QVERIFY2(SongList::write(SongList::statement(SongList::Kind(kind)), path, &error), qPrintable(error));
+        QCOMPARE(readCsv(path), expected);
+        QVERIFY(fileBytes(path).startsWith("\"Artist\",\"Track\""));
+    }
+
+    void errorMenuRepairs() {
+        TestWorkspace ws;
+        addSongs({{"A", "1", "D", "1", "/s/a.zip", true},
+                  {"B", "2", "D", "1", "/s/b.zip", true},
+                  {"C", "3", "D", "1", "/s/it's.zip", true}});
+        QVERIFY(SongList::RemoveErrorMark("/s/a.zip"));
+        QVERIFY(SongList::DeleteFromDatabase("/s/b.zip"));
+        // A path with an apostrophe changes nothing, whatever follows it.
+        QVERIFY(!SongList::DeleteFromDatabase("/s/it's.zip"));
+        QVERIFY(!SongList::DeleteFromDatabase("x' OR '1'='1"));
+        QCOMPARE(column(dbConnection(), "SELECT TrackPath || ':' || Error FROM tblKaraokeTracks ORDER BY 1"),
+                 (QStringList{"/s/a.zip:0", "/s/it's.zip:-1"}));
+    }
+
+    void songValuesReplaceInTurn_data() {
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("plain") << QStringList{"Abba", "SOS", "D1"}
+                               << QStringList{"Abba", "SOS", "D1", "Abba SOS D1"};
+        QTest::newRow("apostrophe stays single")
+            << QStringList{"Guns N' Roses", "Patience", "D"}
+            << QStringList{"Guns N' Roses", "Patience", "D", "Guns N' Roses Patience D"};
+        QTest::newRow("%3 in an artist becomes the disc")
+            << QStringList{"Band %3", "Song", "Disc"}
+            << QStringList{"Band Disc", "Song", "Disc", "Band %3 Song Disc"};
+        QTest::newRow("%4 in a title becomes the whole search text")
+            << QStringList{"A", "T%4", "D"} << QStringList{"A", "TA T%4 D", "D", "A T%4 D"};
+        QTest::newRow("%1 is never looked for again")
+            << QStringList{"%1", "%2", "x"} << QStringList{"%1", "%2", "x", "%1 %2 x"};
+    }
+    void songValuesReplaceInTurn() {
+        QFETCH(QStringList, names);
+        QFETCH(QStringList, expected);
+        const auto v = Songbook::songValues(names[0], names[1], names[2]);
+        QCOMPARE((QStringList{v[0], v[1], v[2], v[3]}), expected);
+    }
+
+    void songbookFile() {
+        TestWorkspace ws;
+        addSongs({{"Guns N' Roses", "Patience", "D1", "01", "/a"},
+                  {"Zed", "Zebra", "D2", "02", "/b"},
+                  {"Guns N' Roses", "Patience", "D1", "01", "/c"}});
+        const QString path = ws.documentsFolder() + "  My Book  .kbd";
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("an older songbook");
+        old.close();
+
+        const Songbook::Outcome out = Songbook::write(path, true, "host@example.com");
+        QVERIFY2(out.written, qPrintable(out.error));
+        QCOMPARE(out.songs, qint64(3));
+        QVERIFY(!QFile::exists(path + ".part"));
+
+        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "readKbd");
+        db.setDatabaseName(path);
+        QVERIFY(db.open());
+        QCOMPARE(column(db, "pragma integrity_check"), QStringList{"ok"});
+        QCOMPARE(column(db, "pragma page_size"), QStringList{"1024"});
+        QStringList expectedSchema = Songbook::schema();
+        for (QString& s : expectedSchema)
+            s.chop(1); // the stored text has no closing semicolon
+        QCOMPARE(column(db, "SELECT sql FROM sqlite_master ORDER BY rowid"), expectedSchema);
+        QCOMPARE(
+            column(db, "SELECT HostName || '|' || EmailAddress || '|' || MobileNo || '|' || ContactType FROM "
+                       "HostDetails"),
+            QStringList{"|host@example.com||0"});
+        QCOMPARE(column(db, "SELECT SearchCriteria FROM KaraokeSongs ORDER BY rowid"),
+                 (QStringList{"Guns N' Roses Patience D1", "Zed Zebra D2", "Guns N' Roses Patience D1"}));
+        db.close();
+        db = QSqlDatabase();
+        QSqlDatabase::removeDatabase("readKbd");
+    }
+
+    void songbookEmailOnlyWhenAllowed() {
+        TestWorkspace ws;
+        QCOMPARE(
+            Songbook::hostRow(false, "x@y"),
+            QString(
+                "Insert into HostDetails(HostName, EmailAddress, MobileNo, ContactType)Values('', '', '', "
+                "'0');"));
+        QCOMPARE(Songbook::hostRow(true, "o'neil@y"),
+                 QString("Insert into HostDetails(HostName, EmailAddress, MobileNo, ContactType)Values('', "
+                         "'o''neil@y', '', '0');"));
+    }
+
+    void songbookCancelKeepsSongsSoFar() {
+        TestWorkspace ws;
+        addSongs({{"A", "1", "D", "1", "/a"}, {"B", "2", "D", "1", "/b"}, {"C", "3", "D", "1", "/c"}});
+        const QString path = ws.documentsFolder() + "Book.kbd";
+        const auto out = Songbook::write(path, false, {}, [](qint64 done, qint64) { return done < 2; });
+        QVERIFY(out.written && out.cancelled);
+        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "readKbd");
+        db.setDatabaseName(path);
+        QVERIFY(db.open());
+        QCOMPARE(column(db, "SELECT COUNT(*) FROM KaraokeSongs"), QStringList{"2"});
+        db.close();
+        db = QSqlDatabase();
+        QSqlDatabase::removeDatabase("readKbd");
+    }
+
+    // A song the file cannot take ends the export: the old songbook stays
+    // whole under its name, and the fault is in the error log.
+    void songbookErrorLeavesOldFile() {
+        TestWorkspace ws;
+        addSongs({{"A", "1", "D", "1", "/a"}});
+        QVERIFY(QSqlQuery(dbConnection()).exec("UPDATE tblKaraokeTracks SET DiscName = NULL"));
+        const QString path = ws.documentsFolder() + "Book.kbd";
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("older");
+        old.close();
+        const auto out = Songbook::write(path, false, {});
+        QVERIFY(!out.written);
+        QVERIFY(!out.error.isEmpty());
+        QCOMPARE(fileBytes(path), QByteArray("older"));
+        QVERIFY(!QFile::exists(path + ".part"));
+        QVERIFY(TestWorkspace::errorLog().contains(Songbook::kSource));
+    }
+
+    // A disk that fills up leaves the old list whole under its name.
+    void fullDiskLeavesOldFile() {
+        TestWorkspace ws;
+        QTemporaryDir dir;
+        SmallDisk disk(dir.path(), 64);
+        if (!disk.mounted())
+            QSKIP("needs the rights to mount a small disk");
+        const QString path = dir.filePath(SongList::kFileName);
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("older");
+        old.close();
+        QList<Song> many;
+        for (int i = 0; i < 3000; ++i)
+            many.append(
+                {QString("Artist %1").arg(i), QString(40, 'x'), "Disc", "01", QString("/s/%1.zip").arg(i)});
+        addSongs(many);
+        QString error;
+        QVERIFY(!SongList::write(SongList::statement(SongList::AllSongs), path, &error));
+        QVERIFY(!error.isEmpty());
+        QCOMPARE(fileBytes(path), QByteArray("older"));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{SongList::kFileName});
+    }
+
+    // The tool writes the same files as the screen, for a scheduled job.
+    void toolExports_data() {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QByteArray>("head");
+        QTest::newRow("songs") << QStringList{"songs"} << 0
+                               << QByteArray(
+                                      "\"Artist\",\"Track\",\"Disc\",\"TrackNo\",\"Location\"\r\n\"Cher\"");
+        QTest::newRow("dedup in upper case") << QStringList{"dedup", "--case", "upper"} << 0
+                                             << QByteArray("\"1\",\"CHER\",\"BELIEVE\",\"D\",\"01\"\r\n");
+        QTest::newRow("songbook") << QStringList{"songbook", "--email", "a@b"} << 0
+                                  << QByteArray("SQLite format 3");
+        QTest::newRow("unknown case")
+            << QStringList{"dedup", "--case", "title"} << 2 << QByteArray("<missing>");
+        QTest::newRow("no file") << QStringList{"songs"} << 2 << QByteArray("<missing>");
+    }
+    void toolExports() {
+        QFETCH(QStringList, args);
+        QFETCH(int, exitCode);
+        QFETCH(QByteArray, head);
+        TestWorkspace ws;
+        addSongs({{"Cher", "Believe", "D", "01", "/s/c.zip"}, {"cher", "believe", "E", "02", "/s/d.zip"}});
+        const QString file = ws.documentsFolder() + "out.file";
+        QStringList full{"export"};
+        full << args;
+        if (QTest::currentDataTag() != QByteArray("no file"))
+            full.insert(2, file);
+        const kvtest::ChildResult r = kvtest::runTool(full);
+        QVERIFY2(r.finished, r.err.constData());
+        QCOMPARE(r.exitCode, exitCode);
+        QCOMPARE(fileBytes(file).left(head.size()), head);
+    }
+};
+
+KV_TEST_CLASS(TestExports)
+#include "tst_exports.moc"
