@@ -1,0 +1,91 @@
+#include "screens/colorschemes.h"
+#include "testrunner.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QVBoxLayout>
+
+class TestColorSchemes : public QObject {
+    Q_OBJECT
+
+private slots:
+    // Text stays readable on its background in every scheme.
+    void textIsReadable_data() {
+        QTest::addColumn<int>("scheme");
+        QTest::addColumn<int>("text");
+        QTest::addColumn<int>("background");
+        const QList<std::pair<QPalette::ColorRole, QPalette::ColorRole>> pairs{
+            {QPalette::WindowText, QPalette::Window},
+            {QPalette::ButtonText, QPalette::Button},
+            {QPalette::Text, QPalette::Base},
+            {QPalette::Text, QPalette::AlternateBase},
+            {QPalette::HighlightedText, QPalette::Highlight},
+            {QPalette::ToolTipText, QPalette::ToolTipBase}};
+        for (int s = 0; s < 3; ++s)
+            for (const auto& [text, back] : pairs)
+                QTest::addRow("%s %d on %d", qPrintable(colorschemes::names()[s]), int(text), int(back))
+                    << s << int(text) << int(back);
+    }
+    void textIsReadable() {
+        QFETCH(int, scheme);
+        QFETCH(int, text);
+        QFETCH(int, background);
+        const QPalette p = colorschemes::palette(scheme);
+        const double ratio = colorschemes::contrast(p.color(QPalette::ColorRole(text)),
+                                                    p.color(QPalette::ColorRole(background)));
+        QVERIFY2(ratio >= 4.5, qPrintable(QString::number(ratio)));
+    }
+
+    // Each looks like its name: the frames' hue, or for silver a light grey.
+    void looksLikeItsName_data() {
+        QTest::addColumn<int>("scheme");
+        QTest::addColumn<int>("hueFrom");
+        QTest::addColumn<int>("hueTo");
+        QTest::newRow("Blue") << 0 << 195 << 235;
+        QTest::newRow("Green") << 1 << 100 << 160;
+    }
+    void looksLikeItsName() {
+        QFETCH(int, scheme);
+        QFETCH(int, hueFrom);
+        QFETCH(int, hueTo);
+        for (const QColor& c : {colorschemes::colours(scheme).window, colorschemes::colours(scheme).header}) {
+            QVERIFY2(c.hslHue() >= hueFrom && c.hslHue() <= hueTo, qPrintable(c.name()));
+            QVERIFY2(c.hslSaturation() > 60, qPrintable(c.name()));
+        }
+    }
+    void silverIsLightGrey() {
+        const QColor w = colorschemes::colours(2).window;
+        QVERIFY(w.lightness() > 180);
+        QVERIFY(w.hslSaturation() < 40);
+    }
+
+    void outOfRangeGetsTheFirstScheme() {
+        QCOMPARE(colorschemes::names(), (QStringList{"Blue", "Green", "Silver"}));
+        QCOMPARE(colorschemes::palette(9), colorschemes::palette(0));
+        QCOMPARE(colorschemes::palette(-1), colorschemes::palette(0));
+    }
+
+    // What the host sees: the field and the button painted in the scheme.
+    void formTakesTheScheme() {
+        QWidget form;
+        auto* layout = new QVBoxLayout(&form);
+        auto* button = new QPushButton(&form);
+        auto* field = new QLineEdit(&form);
+        layout->addWidget(button);
+        layout->addWidget(field);
+        form.resize(200, 100);
+        for (int scheme : {1, 2}) {
+            SetFormColors(form, scheme);
+            const auto centre = [](QWidget* w) {
+                const QImage image = w->grab().toImage();
+                return image.pixelColor(image.width() / 2, image.height() / 2);
+            };
+            QCOMPARE(centre(field), colorschemes::colours(scheme).field);
+            QCOMPARE(centre(button), colorschemes::colours(scheme).button);
+        }
+    }
+};
+
+KV_TEST_CLASS(TestColorSchemes)
+#include "tst_colorschemes.moc"
