@@ -7,10 +7,10 @@
 // Prints one line per figure; each time is the median of several runs.
 // "--100k" stops after the 100,000-song figures.
 #include "catalogue/database.h"
-#include "catalogue/searchcontroller.h"
-#include "catalogue/searchresultslist.h"
 #include "catalogue/searchresultsmodel.h"
 #include "catalogue/songsearch.h"
+#include "catalogue/ui/searchcontroller.h"
+#include "catalogue/ui/searchresultslist.h"
 #include "core/appsettings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"

@@ -5,8 +5,6 @@
 #include <QString>
 #include <optional>
 
-class QWidget;
-
 // Every message box and dialog of the program goes through this interface, so
 // that tests can answer them. Box styles are the classic numbers: the low digit
 // picks the buttons (0 OK, 1 OK/Cancel, 3 Yes/No/Cancel, 4 Yes/No, 5 Retry/Cancel),
@@ -48,10 +46,11 @@ public:
     virtual std::optional<QFont> chooseFont(const QFont& initial) = 0;
 };
 
-// The process-wide prompts; the real ones unless a test installed others.
+// The process-wide prompts: those a test installed, else the program's own
+// (the dialogs on screen, once the program has set them), else prompts on
+// the console (a box is written to standard error and takes its first button).
 Prompts& prompts();
-// Installs `p` (not owned) in place of the real prompts; nullptr restores them.
+// Installs `p` (not owned) in place of the program's prompts; nullptr restores them.
 void setPrompts(Prompts* p);
-
-// Parent widget for the real dialogs (the main window once it exists).
-void setPromptsParent(QWidget* parent);
+// The program's own prompts (not owned).
+void setProgramPrompts(Prompts* p);

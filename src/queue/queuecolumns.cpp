@@ -1,7 +1,6 @@
 #include "queuecolumns.h"
 
 #include <QStringList>
-#include <QTableView>
 
 namespace queuecolumns {
 
@@ -31,29 +30,6 @@ QList<int> parseWidths(const QString& text) {
     if (widths.size() > 1 && parts.last().trimmed().isEmpty())
         widths.removeLast();
     return widths;
-}
-
-void applyWidths(QTableView* view, const QList<int>& widths) {
-    if (!view || !view->model())
-        return;
-    const int columns = view->model()->columnCount();
-    for (int i = 0; i < widths.size() && i < columns; ++i) {
-        const int w = widths.at(i);
-        if (w < 0)
-            continue;
-        // A zero width hides the column; any other width shows it again.
-        view->setColumnHidden(i, w == 0);
-        if (w > 0)
-            view->setColumnWidth(i, w);
-    }
-}
-
-QString widthsText(const QTableView* view) {
-    QStringList parts;
-    const int columns = view && view->model() ? view->model()->columnCount() : 0;
-    for (int i = 0; i < columns; ++i)
-        parts << QString::number(view->isColumnHidden(i) ? 0 : view->columnWidth(i));
-    return parts.join(QLatin1Char(';'));
 }
 
 } // namespace queuecolumns

@@ -3,8 +3,6 @@
 #include <QList>
 #include <QString>
 
-class QTableView;
-
 // Column widths of the queue list, in pixels, as ";"-joined numbers: one for
 // each of the five columns, the first being the hidden "No" column.
 namespace queuecolumns {
@@ -23,9 +21,5 @@ QList<int> widthsOfHeaderFormat(const QString& format);
 // zero or more is -1 ("leave this column as it is"); the first is always 0,
 // so that "No" stays hidden whatever the text says.
 QList<int> parseWidths(const QString& text);
-// Sets the widths of the view's columns from `widths` (-1 leaves a column).
-void applyWidths(QTableView* view, const QList<int>& widths);
-// The widths of the view's columns, joined by ";".
-QString widthsText(const QTableView* view);
 
 } // namespace queuecolumns

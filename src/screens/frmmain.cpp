@@ -6,8 +6,8 @@
 #include "windowplacement.h"
 
 #include "catalogue/database.h"
-#include "catalogue/searchcontroller.h"
-#include "catalogue/searchresultslist.h"
+#include "catalogue/ui/searchcontroller.h"
+#include "catalogue/ui/searchresultslist.h"
 #include "core/appsettings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
@@ -18,12 +18,13 @@
 #include "core/prompts.h"
 #include "core/startupsettings.h"
 #include "core/twips.h"
+#include "core/ui/widgetprompts.h"
 #include "core/version.h"
 #include "core/workingfolder.h"
 #include "core/workingfolderlock.h"
 #include "playback/playerstartup.h"
-#include "queue/queuecontroller.h"
 #include "queue/singernames.h"
+#include "queue/ui/queuecontroller.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -151,11 +152,11 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     tmrDelay->setObjectName(QStringLiteral("tmrDelay"));
     tmrRestart->setObjectName(QStringLiteral("tmrRestart"));
     tmrUpdateClock->start(); // runs from the moment the window exists
-    setPromptsParent(this);
+    useWidgetPrompts(this);
 }
 
 frmMain::~frmMain() {
-    setPromptsParent(nullptr);
+    useWidgetPrompts(nullptr);
 }
 
 void frmMain::buildControls() {

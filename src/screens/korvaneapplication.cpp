@@ -1,5 +1,7 @@
 #include "korvaneapplication.h"
 
+#include "core/ui/widgetprompts.h"
+
 #include "frmmain.h"
 
 #include <QApplication>
@@ -83,6 +85,9 @@ void closeOnSignals(QWidget* window) {
 KorvaneApplication::KorvaneApplication() {
     QApplication::setApplicationName(QStringLiteral("Korvane"));
     applyLook();
+    // Messages before the main window stands (a second start, a settings
+    // file that cannot be read) are boxes on screen too.
+    useWidgetPrompts(nullptr);
 }
 
 KorvaneApplication::~KorvaneApplication() {

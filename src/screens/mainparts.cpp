@@ -2,11 +2,11 @@
 
 #include "frmmain.h"
 
-#include "catalogue/searchcontroller.h"
+#include "catalogue/ui/searchcontroller.h"
 #include "core/errorlog.h"
-#include "import/frmimportsongs.h"
-#include "queue/queuecontroller.h"
+#include "import/ui/frmimportsongs.h"
 #include "queue/queuemodel.h"
+#include "queue/ui/queuecontroller.h"
 
 #include <QCheckBox>
 #include <QLabel>

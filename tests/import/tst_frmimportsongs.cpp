@@ -1,7 +1,7 @@
 #include "catalogue/database.h"
 #include "core/appsettings.h"
-#include "import/frmimportsongs.h"
 #include "import/importsession.h"
+#include "import/ui/frmimportsongs.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
 #include "workspace.h"

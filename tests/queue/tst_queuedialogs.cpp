@@ -1,6 +1,6 @@
 #include "core/appsettings.h"
-#include "queue/frmperformerchoose.h"
 #include "queue/singernames.h"
+#include "queue/ui/frmperformerchoose.h"
 #include "testrunner.h"
 
 #include <QComboBox>

@@ -2,7 +2,7 @@
 
 #include "core/errorlog.h"
 #include "dialogkeys.h"
-#include "singernames.h"
+#include "queue/singernames.h"
 
 #include <QComboBox>
 #include <QGridLayout>

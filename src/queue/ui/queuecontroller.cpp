@@ -5,10 +5,11 @@
 #include "core/errorlog.h"
 #include "core/kverror.h"
 #include "core/prompts.h"
+#include "core/ui/headerwidths.h"
 #include "dialogperformerprompt.h"
-#include "queuecolumns.h"
-#include "queuemodel.h"
-#include "queuestore.h"
+#include "queue/queuecolumns.h"
+#include "queue/queuemodel.h"
+#include "queue/queuestore.h"
 
 #include <QAbstractButton>
 #include <QHeaderView>
@@ -116,7 +117,7 @@ void QueueController::attachList(QTableView* list) {
     list->setDropIndicatorShown(true);
     list->setDefaultDropAction(Qt::MoveAction);
     setDragAndDropAllowed(true);
-    queuecolumns::applyWidths(list, queuecolumns::widthsOfHeaderFormat(queuecolumns::kHeaderFormat));
+    headerwidths::applyWidths(list, queuecolumns::widthsOfHeaderFormat(queuecolumns::kHeaderFormat));
     // The menus open when the right button is released, so the list's own
     // context-menu event is not wanted.
     list->setContextMenuPolicy(Qt::PreventContextMenu);
@@ -314,7 +315,7 @@ void QueueController::btnQueueOptions_Click(int index) {
 // ---- column widths ------------------------------------------------------------------------------------
 
 void QueueController::applyWidthText(const QString& text) {
-    queuecolumns::applyWidths(m_list, queuecolumns::parseWidths(text));
+    headerwidths::applyWidths(m_list, queuecolumns::parseWidths(text));
 }
 
 void QueueController::RetrieveQueueColumns() {
@@ -331,7 +332,7 @@ void QueueController::SaveQueueColumns() {
     try {
         if (!m_list)
             throw KvError(91, QStringLiteral("The queue list is not there to measure"));
-        settingsfile::writeText(queuecolumns::kSettingsKey, queuecolumns::widthsText(m_list));
+        settingsfile::writeText(queuecolumns::kSettingsKey, headerwidths::widthsText(m_list));
     } catch (...) {
         try {
             settingsfile::writeText(queuecolumns::kSettingsKey, queuecolumns::kDefaultWidths);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "importrun.h"
+#include "import/importrun.h"
 
 #include <QDialog>
 

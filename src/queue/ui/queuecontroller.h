@@ -1,7 +1,7 @@
 #pragma once
 
-#include "queueadder.h"
-#include "queueentrydetails.h"
+#include "queue/queueadder.h"
+#include "queue/queueentrydetails.h"
 
 #include <QList>
 #include <QObject>

@@ -1,8 +1,8 @@
 #include "performerdialogbase.h"
 
 #include "dialogkeys.h"
-#include "propercase.h"
-#include "singernames.h"
+#include "queue/propercase.h"
+#include "queue/singernames.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>

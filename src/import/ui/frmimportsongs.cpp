@@ -6,7 +6,7 @@
 #include "core/errorlog.h"
 #include "core/globals.h"
 #include "core/prompts.h"
-#include "fileconventions.h"
+#include "import/fileconventions.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "frmperformerchoose.h"
 
-#include "singernames.h"
+#include "queue/singernames.h"
 
 #include <QComboBox>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "performerprompt.h"
+#include "queue/performerprompt.h"
 
 #include <QPointer>
 

@@ -1,13 +1,13 @@
 #include "searchcontroller.h"
 
 #include "catalogue/database.h"
-#include "catalogue/searchresultslist.h"
 #include "catalogue/searchresultsmodel.h"
 #include "catalogue/songsearch.h"
+#include "catalogue/ui/searchresultslist.h"
 #include "core/appsettings.h"
 #include "core/errorlog.h"
 #include "core/prompts.h"
-#include "support/keyboardhook.h"
+#include "support/ui/keyboardhook.h"
 
 #include <QAbstractButton>
 #include <QApplication>
