@@ -5,6 +5,7 @@
 #include "benchcommon.h"
 
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
 #include "core/consoleprompts.h"
@@ -32,7 +33,7 @@ int main(int argc, char** argv) {
     const double reads = bench::medianMs(
         5, [] { oSettings = std::make_unique<CIniFile>(); }, [&] { ReadStartupSettings(source); });
     bench::print("start-up settings reads, a 20 MB line in the file", reads, "ms", 1000);
-    const double write = bench::medianMs(5, nullptr, [] { settingsfile::writeText("MainLeft", "120"); });
+    const double write = bench::medianMs(5, nullptr, [] { settings::writeText(keys::MainLeft, "120"); });
     bench::print("one settings write (whole file to disk), same file", write, "ms", 1000);
     return 0;
 }

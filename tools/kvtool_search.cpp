@@ -4,6 +4,7 @@
 #include "catalogue/searchresultsmodel.h"
 #include "catalogue/songsearch.h"
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "core/kverror.h"
 
 #include <QTextStream>
@@ -44,7 +45,7 @@ int runSearch(const QStringList& args) {
     if (!openWorkingFolder(CatalogueUse::Read))
         return 1;
     try {
-        Cfg.IncludeSongPath = settingsfile::readBool(QStringLiteral("IncludeSongPath"), false);
+        Cfg.IncludeSongPath = settings::readBool(keys::IncludeSongPath);
         SearchResultsModel rows;
         rows.load(dbConnection(), SongSearch::filterSql(SongSearch::filterList(text, Cfg.IncludeSongPath)));
         int printed = 0;

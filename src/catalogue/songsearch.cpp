@@ -6,8 +6,6 @@
 
 const QString SongSearch::kResultsFormat = QStringLiteral(
     "TrackId;0;0;0;;-1|Artist Name;100;0;0;;-1|Track Name;100;0;0;;-1|Disc Name;100;0;0;;-1|No;100;0;0;;-1");
-const QString SongSearch::kColumnsKey = QStringLiteral("SearchColumns");
-const QString SongSearch::kColumnsReadDefault = QStringLiteral("198;196;84;48;");
 const QString SongSearch::kColumnsSaveFallback = QStringLiteral("0;200;200;100;100");
 
 QList<SongSearch::Column> SongSearch::resultColumns() {

@@ -23,8 +23,6 @@ public:
     static QList<Column> resultColumns();
 
     // Column widths of the results list in settings.ini.
-    static const QString kColumnsKey;          // SearchColumns
-    static const QString kColumnsReadDefault;  // read when the key is absent
     static const QString kColumnsSaveFallback; // written when the widths cannot be
     // The widths of a SearchColumns text in order, up to the first element that
     // is not a width (an empty element, a word, a negative number): the list

@@ -1,65 +1,48 @@
 #pragma once
 
+#include "settingkeys.h"
+
 #include <QString>
 
 // The settings the program runs on, read once from settings.ini into these
 // variables (each named after its key, spellings of the file included), and
 // written by the options screen to the variable and the file in one step.
+// Until the start-up has read them, each holds its key's default.
 struct AppSettings {
-    bool AllowDoubleClicks = true;
-    bool AllowDragAndDrop = true;
-    bool AllowSortingOnQueue = false;
-    int AudioDevice = 0;
-    int AutoPlayDelay = 5;
-    bool AutoRemoveFromQueue = true;
-    bool ClearSearchCriteria = false;
-    int ColorScheme = 0;
-    bool CompactDatabase = true;
-    QString DefaultName = QStringLiteral("No Name");
-    QString DefaultPerformerName = QStringLiteral("None");
-    int DefaultPlayButtonAction = 0;
-    int DoubleClickAction = 1;
-    bool EnableNextPerfomer = false;
+    bool AllowDoubleClicks = keys::AllowDoubleClicks.defaultBool();
+    bool AllowDragAndDrop = keys::AllowDragAndDrop.defaultBool();
+    bool AllowSortingOnQueue = keys::AllowSortingOnQueue.defaultBool();
+    int AudioDevice = keys::AudioDevice.defaultInt();
+    int AutoPlayDelay = keys::AutoPlayDelay.defaultInt();
+    bool AutoRemoveFromQueue = keys::AutoRemoveFromQueue.defaultBool();
+    bool ClearSearchCriteria = keys::ClearSearchCriteria.defaultBool();
+    int ColorScheme = keys::ColorScheme.defaultInt();
+    bool CompactDatabase = keys::CompactDatabase.defaultBool();
+    QString DefaultName = keys::DefaultName.defaultText();
+    QString DefaultPerformerName = keys::DefaultPerformerName.defaultText();
+    int DefaultPlayButtonAction = keys::DefaultPlayButtonAction.defaultInt();
+    int DoubleClickAction = keys::DoubleClickAction.defaultInt();
+    bool EnableNextPerfomer = keys::EnableNextPerfomer.defaultBool();
     QString FileSystemPath;
-    bool IncludeSongPath = false;
-    bool InteractiveSearch = false;
-    bool JumpBackToQueue = false;
-    bool NextPerformerPosition = true;
-    bool NoFadeOnRestart = true;
-    bool PlayFromPosition1 = true;
-    bool PromptForPerfomer = true;
-    bool SaveHistory = true;
-    bool SaveWindowPosition = true;
-    int ScrollerPosition = 0;
-    QString ScrollerStartupText = QStringLiteral("Welcome to our show");
-    QString ScrollerText = QStringLiteral(
-        "Could %p singing %t please make their way to the stage towards the end of this performance");
-    bool ShowNextPerfomer = true;
-    bool ShowSecondScreen = false;
-    bool StopKaraokeTrackOnJinglePlay = true;
-    bool UpdateScrollerImmediately = false;
-    bool ViewAllSongsAtStartup = false;
+    bool IncludeSongPath = keys::IncludeSongPath.defaultBool();
+    bool InteractiveSearch = keys::InteractiveSearch.defaultBool();
+    bool JumpBackToQueue = keys::JumpBackToQueue.defaultBool();
+    bool NextPerformerPosition = keys::NextPerformerPosition.defaultBool();
+    bool NoFadeOnRestart = keys::NoFadeOnRestart.defaultBool();
+    bool PlayFromPosition1 = keys::PlayFromPosition1.defaultBool();
+    bool PromptForPerfomer = keys::PromptForPerfomer.defaultBool();
+    bool SaveHistory = keys::SaveHistory.defaultBool();
+    bool SaveWindowPosition = keys::SaveWindowPosition.defaultBool();
+    int ScrollerPosition = keys::ScrollerPosition.defaultInt();
+    QString ScrollerStartupText = keys::ScrollerStartupText.defaultText();
+    QString ScrollerText = keys::ScrollerText.defaultText();
+    bool ShowNextPerfomer = keys::ShowNextPerfomer.defaultBool();
+    bool ShowSecondScreen = keys::ShowSecondScreen.defaultBool();
+    bool StopKaraokeTrackOnJinglePlay = keys::StopKaraokeTrackOnJinglePlay.defaultBool();
+    bool UpdateScrollerImmediately = keys::UpdateScrollerImmediately.defaultBool();
+    bool ViewAllSongsAtStartup = keys::ViewAllSongsAtStartup.defaultBool();
     QString WinAmpPath;
 };
 
 // The one set of settings of the running program.
 extern AppSettings Cfg;
-
-namespace settingsfile {
-
-inline const QString kSection = QStringLiteral("Settings");
-
-// Defaults that name a folder or the player: the places a Linux host has them.
-QString defaultFolder();     // the home folder, with a trailing separator
-QString defaultPlayerPath(); // /usr/bin/mpv
-
-// Reads of section "Settings" through oSettings, each with its default.
-bool readBool(const QString& key, bool defaultValue);
-int readInt(const QString& key, int defaultValue);
-QString readText(const QString& key, const QString& defaultValue);
-// Writes through oSettings (numbers as 16-bit values, as the file store takes them).
-void writeBool(const QString& key, bool value);
-void writeInt(const QString& key, int value);
-void writeText(const QString& key, const QString& value);
-
-} // namespace settingsfile

@@ -6,10 +6,11 @@
 #include "globals.h"
 #include "pathhelpers.h"
 #include "prompts.h"
+#include "settings.h"
 
 #include <QDir>
 
-using namespace settingsfile;
+using namespace settings;
 
 bool SettingsFileCanBeRead() {
     if (!oSettings || !IsRegularFile(oSettings->FileName()))
@@ -26,12 +27,12 @@ bool SettingsFileCanBeRead() {
 }
 
 void ApplyFirstStart(const QString& documentsFolder, const QString& installFolder) {
-    IsFirstStart = readBool(QStringLiteral("FirstStart"), true);
+    IsFirstStart = readBool(keys::FirstStart);
     if (!IsFirstStart)
         return;
-    writeText(QStringLiteral("BGImagePath"), documentsFolder);
-    writeText(QStringLiteral("MainImage"), installFolder + QStringLiteral("secondscreen.jpg"));
-    writeInt(QStringLiteral("FirstStart"), 0);
+    writeText(keys::BGImagePath, documentsFolder);
+    writeText(keys::MainImage, installFolder + QStringLiteral("secondscreen.jpg"));
+    writeInt(keys::FirstStart, 0);
 }
 
 namespace {
@@ -41,62 +42,59 @@ struct Reader {
     const QString& source;
     int line = 100;
     void operator()(const std::function<void()>& read) { Guarded(source, line++, read); }
+    void operator()(bool& value, const SettingKey& key) {
+        (*this)([&] { value = readBool(key); });
+    }
+    void operator()(int& value, const SettingKey& key) {
+        (*this)([&] { value = readInt(key); });
+    }
+    void operator()(QString& value, const SettingKey& key) {
+        (*this)([&] { value = readText(key); });
+    }
 };
 
 } // namespace
 
 void ReadStartupSettings(const QString& source) {
     Reader read{source};
-    read([] { Cfg.SaveWindowPosition = readBool(QStringLiteral("SaveWindowPosition"), true); });
-    read([] { Cfg.AutoPlayDelay = readInt(QStringLiteral("AutoPlayDelay"), 5); });
-    read([] { Cfg.SaveHistory = readBool(QStringLiteral("SaveHistory"), true); });
-    read([] { Cfg.NextPerformerPosition = readBool(QStringLiteral("NextPerformerPosition"), true); });
-    read([] { Cfg.IncludeSongPath = readBool(QStringLiteral("IncludeSongPath"), false); });
-    read([] { Cfg.FileSystemPath = readText(QStringLiteral("FileSystemPath"), defaultFolder()); });
-    read([] { Cfg.JumpBackToQueue = readBool(QStringLiteral("JumpBackToQueue"), false); });
-    read([] { Cfg.AllowDragAndDrop = readBool(QStringLiteral("AllowDragAndDrop"), true); });
-    read([] { Cfg.AllowDoubleClicks = readBool(QStringLiteral("AllowDoubleClicks"), true); });
-    read([] { Cfg.NoFadeOnRestart = readBool(QStringLiteral("NoFadeOnRestart"), true); });
-    read([] { Cfg.AutoRemoveFromQueue = readBool(QStringLiteral("AutoRemoveFromQueue"), true); });
-    read([] { Cfg.PromptForPerfomer = readBool(QStringLiteral("PromptForPerfomer"), true); });
-    read([] { Cfg.ShowSecondScreen = readBool(QStringLiteral("ShowSecondScreen"), false); });
-    read([] { Cfg.CompactDatabase = readBool(QStringLiteral("CompactDatabase"), true); });
-    read([] { Cfg.ClearSearchCriteria = readBool(QStringLiteral("ClearSearchCriteria"), false); });
-    read([] { Cfg.DefaultName = readText(QStringLiteral("DefaultName"), QStringLiteral("No Name")); });
-    read([] { Cfg.PlayFromPosition1 = readBool(QStringLiteral("PlayFromPosition1"), true); });
-    read([] { Cfg.ShowNextPerfomer = readBool(QStringLiteral("ShowNextPerfomer"), true); });
-    read(
-        [] { Cfg.UpdateScrollerImmediately = readBool(QStringLiteral("UpdateScrollerImmediately"), false); });
-    read([] { Cfg.EnableNextPerfomer = readBool(QStringLiteral("EnableNextPerfomer"), false); });
+    read(Cfg.SaveWindowPosition, keys::SaveWindowPosition);
+    read(Cfg.AutoPlayDelay, keys::AutoPlayDelay);
+    read(Cfg.SaveHistory, keys::SaveHistory);
+    read(Cfg.NextPerformerPosition, keys::NextPerformerPosition);
+    read(Cfg.IncludeSongPath, keys::IncludeSongPath);
+    read(Cfg.FileSystemPath, keys::FileSystemPath);
+    read(Cfg.JumpBackToQueue, keys::JumpBackToQueue);
+    read(Cfg.AllowDragAndDrop, keys::AllowDragAndDrop);
+    read(Cfg.AllowDoubleClicks, keys::AllowDoubleClicks);
+    read(Cfg.NoFadeOnRestart, keys::NoFadeOnRestart);
+    read(Cfg.AutoRemoveFromQueue, keys::AutoRemoveFromQueue);
+    read(Cfg.PromptForPerfomer, keys::PromptForPerfomer);
+    read(Cfg.ShowSecondScreen, keys::ShowSecondScreen);
+    read(Cfg.CompactDatabase, keys::CompactDatabase);
+    read(Cfg.ClearSearchCriteria, keys::ClearSearchCriteria);
+    read(Cfg.DefaultName, keys::DefaultName);
+    read(Cfg.PlayFromPosition1, keys::PlayFromPosition1);
+    read(Cfg.ShowNextPerfomer, keys::ShowNextPerfomer);
+    read(Cfg.UpdateScrollerImmediately, keys::UpdateScrollerImmediately);
+    read(Cfg.EnableNextPerfomer, keys::EnableNextPerfomer);
     // Read twice in the sequence; the second read is the one that stands.
-    read([] { Cfg.NoFadeOnRestart = readBool(QStringLiteral("NoFadeOnRestart"), true); });
-    read([] { Cfg.DefaultPlayButtonAction = readInt(QStringLiteral("DefaultPlayButtonAction"), 0); });
-    read([] { Cfg.InteractiveSearch = readBool(QStringLiteral("InteractiveSearch"), false); });
-    read([] { Cfg.ScrollerPosition = readInt(QStringLiteral("ScrollerPosition"), 0); });
-    read([] { Cfg.ViewAllSongsAtStartup = readBool(QStringLiteral("ViewAllSongsAtStartup"), false); });
-    read([] {
-        Cfg.ScrollerStartupText =
-            readText(QStringLiteral("ScrollerStartupText"), QStringLiteral("Welcome to our show"));
-    });
+    read(Cfg.NoFadeOnRestart, keys::NoFadeOnRestart);
+    read(Cfg.DefaultPlayButtonAction, keys::DefaultPlayButtonAction);
+    read(Cfg.InteractiveSearch, keys::InteractiveSearch);
+    read(Cfg.ScrollerPosition, keys::ScrollerPosition);
+    read(Cfg.ViewAllSongsAtStartup, keys::ViewAllSongsAtStartup);
+    read(Cfg.ScrollerStartupText, keys::ScrollerStartupText);
     // The one boolean read as text: only the text "0" (or any zero number) is false.
-    read([] {
-        Cfg.StopKaraokeTrackOnJinglePlay =
-            readText(QStringLiteral("StopKaraokeTrackOnJinglePlay"), QStringLiteral("1")).toInt() != 0;
-    });
-    read([] {
-        Cfg.ScrollerText = readText(QStringLiteral("ScrollerText"),
-                                    QStringLiteral("Could %p singing %t please make their way to the stage "
-                                                   "towards the end of this performance"));
-    });
-    read([] { Cfg.AllowSortingOnQueue = readBool(QStringLiteral("AllowSortingOnQueue"), false); });
+    read(
+        [] { Cfg.StopKaraokeTrackOnJinglePlay = readText(keys::StopKaraokeTrackOnJinglePlay).toInt() != 0; });
+    read(Cfg.ScrollerText, keys::ScrollerText);
+    read(Cfg.AllowSortingOnQueue, keys::AllowSortingOnQueue);
 }
 
 void ReadLateStartupSettings(const QString& source) {
     Reader read{source, 200};
-    read([] {
-        Cfg.DefaultPerformerName = readText(QStringLiteral("DefaultPerformerName"), QStringLiteral("None"));
-    });
-    read([] { Cfg.DoubleClickAction = readInt(QStringLiteral("DoubleClickAction"), 1); });
+    read(Cfg.DefaultPerformerName, keys::DefaultPerformerName);
+    read(Cfg.DoubleClickAction, keys::DoubleClickAction);
 }
 
 bool CommandLineAsksForReset(const QString& commandLine) {

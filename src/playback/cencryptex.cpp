@@ -1,6 +1,7 @@
 #include "cencryptex.h"
 
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "core/cinifile.h"
 #include "core/globals.h"
 
@@ -36,6 +37,6 @@ QString CEncryptEx::decipher(const QString& stored) {
 
 void BuildArchivePassword() {
     ArchivePassword = oSettings
-                          ? CEncryptEx::decipher(settingsfile::readText(QStringLiteral("mus"), QString()))
+                          ? CEncryptEx::decipher(settings::readText(keys::mus))
                           : QString();
 }

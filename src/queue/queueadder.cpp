@@ -2,6 +2,7 @@
 
 #include "catalogue/database.h"
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "core/errorlog.h"
 #include "core/kverror.h"
 #include "core/pathhelpers.h"
@@ -25,7 +26,7 @@ const QString kFromFileSource = QStringLiteral("KvApp.frmMain.AddSongFromFileSys
 QString fileDialogFolder() {
     if (!Cfg.FileSystemPath.isEmpty() && DirectoryExists(Cfg.FileSystemPath))
         return Cfg.FileSystemPath;
-    return settingsfile::defaultFolder();
+    return keys::FileSystemPath.defaultText();
 }
 
 } // namespace
@@ -132,7 +133,7 @@ void QueueAdder::cmdFF_Click() {
         AddSongFromFileSystem(chosen);
         Guarded(kFileButtonSource, 3, [&] {
             Cfg.FileSystemPath = AddBackslash(QFileInfo(chosen).absolutePath());
-            settingsfile::writeText(QStringLiteral("FileSystemPath"), Cfg.FileSystemPath);
+            settings::writeText(keys::FileSystemPath, Cfg.FileSystemPath);
         });
     }
     Guarded(kFileButtonSource, 4, [&] { createHook(); });

@@ -11,8 +11,6 @@ namespace queuecolumns {
 // entries; the fields after the width are not used by this list).
 inline const QString kHeaderFormat =
     QStringLiteral("No;0;0;0;;-1|Performer;100;0;0;;-1|Artist;100;0;0;;-1|Track;100;0;0;;-1|Key;30;0;0;;-1");
-inline const QString kSettingsKey = QStringLiteral("QueueColumns");
-inline const QString kDefaultWidths = QStringLiteral("0;95;200;190;45");
 inline const QString kResetWidths = QStringLiteral("0;95;150;150;45");
 
 // The widths of a header format string, by column.

@@ -9,6 +9,7 @@
 #include "catalogue/ui/searchcontroller.h"
 #include "catalogue/ui/searchresultslist.h"
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
 #include "core/errorlog.h"
@@ -387,7 +388,7 @@ bool frmMain::Form_Load(const QString& commandLine) {
         if (!SettingsFileCanBeRead())
             throw EndProgram{};
     });
-    step([&] { settingsfile::readText(QStringLiteral("ImportPath"), settingsfile::defaultFolder()); });
+    step([&] { settings::readText(keys::ImportPath); });
     step([&] {
         if (!CommandLineAsksForReset(commandLine))
             return;
@@ -449,7 +450,7 @@ void frmMain::InitialiseStartup() {
         QCoreApplication::processEvents();
         hide();
     });
-    guarded([&] { Cfg.ColorScheme = settingsfile::readInt(QStringLiteral("ColorScheme"), 0); });
+    guarded([&] { Cfg.ColorScheme = settings::readInt(keys::ColorScheme); });
     guarded([&] {
         m_splash = new frmSplash;
         connect(m_splash, &frmSplash::done, this, &frmMain::splashDone);
@@ -494,7 +495,7 @@ void frmMain::InitialiseStartup() {
     });
     guarded([&] {
         Cfg.WinAmpPath =
-            settingsfile::readText(QStringLiteral("WinAmpPath"), settingsfile::defaultPlayerPath());
+            settings::readText(keys::WinAmpPath);
     });
     // The queue comes back, then the player starts (with their progress texts).
     guarded([&] {
@@ -540,7 +541,7 @@ void frmMain::applyWindowPositions() {
 }
 
 void frmMain::showBackgroundPreview() {
-    const QString path = settingsfile::readText(QStringLiteral("MainImage"), QString());
+    const QString path = settings::readText(keys::MainImage);
     QImageReader reader(path);
     reader.setAutoTransform(true);
     const QImage image = FileExists(path) ? reader.read() : QImage();

@@ -1,36 +1,37 @@
 #include "windowplacement.h"
 
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "mainlayout.h"
 
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
 
-using namespace settingsfile;
+using namespace settings;
 
 WindowPlacement GetWindowPositions(bool firstStart, int currentWidth, int currentHeight) {
     WindowPlacement p;
     p.width = currentWidth;
     p.height = currentHeight;
-    const int state = readInt(QStringLiteral("MainState"), 0);
+    const int state = readInt(keys::MainState);
     if (state == 2) {
         p.maximised = true;
-        p.left = readText(QStringLiteral("MainLeft"), QStringLiteral("0")).toInt();
-        p.top = readText(QStringLiteral("MainTop"), QStringLiteral("0")).toInt();
+        p.left = readText(keys::MainLeft).toInt();
+        p.top = readText(keys::MainTop).toInt();
         return p;
     }
     if (firstStart) {
         p.centre = true;
     } else {
-        p.left = readText(QStringLiteral("MainLeft"), QStringLiteral("0")).toInt();
-        p.top = readText(QStringLiteral("MainTop"), QStringLiteral("0")).toInt();
+        p.left = readText(keys::MainLeft).toInt();
+        p.top = readText(keys::MainTop).toInt();
         p.width =
-            readText(QStringLiteral("MainWidth"), QString::number(mainlayout::kRestoreMinWidth)).toInt();
+            readText(keys::MainWidth, QString::number(mainlayout::kRestoreMinWidth)).toInt();
     }
     if (p.width < mainlayout::kRestoreMinWidth)
         p.width = mainlayout::kRestoreMinWidth;
-    p.height = readText(QStringLiteral("MainHeight"), QString::number(mainlayout::kRestoreMinHeight)).toInt();
+    p.height = readText(keys::MainHeight, QString::number(mainlayout::kRestoreMinHeight)).toInt();
     if (p.height < mainlayout::kRestoreMinHeight)
         p.height = mainlayout::kRestoreMinHeight;
     return p;
@@ -38,11 +39,11 @@ WindowPlacement GetWindowPositions(bool firstStart, int currentWidth, int curren
 
 void SaveWindowPositions(int left, int top, int state, int width, int height) {
     try {
-        writeText(QStringLiteral("MainLeft"), QString::number(left));
-        writeText(QStringLiteral("MainTop"), QString::number(top));
-        writeInt(QStringLiteral("MainState"), state);
-        writeText(QStringLiteral("MainWidth"), QString::number(width));
-        writeText(QStringLiteral("MainHeight"), QString::number(height));
+        writeText(keys::MainLeft, QString::number(left));
+        writeText(keys::MainTop, QString::number(top));
+        writeInt(keys::MainState, state);
+        writeText(keys::MainWidth, QString::number(width));
+        writeText(keys::MainHeight, QString::number(height));
     } catch (...) {
         // A place that cannot be saved is not worth a message at exit.
     }

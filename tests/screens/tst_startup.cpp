@@ -1,6 +1,7 @@
 #include "catalogue/database.h"
 #include "childprocess.h"
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
 #include "core/errorlog.h"
@@ -209,7 +210,7 @@ private slots:
         frmMain w;
         QVERIFY(start(w));
         LogErrorQuietly("a record", "KvApp.frmMain.FilterIt", 1);
-        settingsfile::writeText("DefaultName", "Ann");
+        settings::writeText(keys::DefaultName, "Ann");
         ExecuteSql("INSERT INTO tblQueue (QueuePos, PerformerName) VALUES (0, 'Ann')");
         QVERIFY(QDir().mkpath(workingFolder() + "Temp"));
         writeFile(workingFolder() + "Temp/song.mp3", "x");

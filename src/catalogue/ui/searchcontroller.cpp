@@ -5,6 +5,7 @@
 #include "catalogue/songsearch.h"
 #include "catalogue/ui/searchresultslist.h"
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "core/errorlog.h"
 #include "core/prompts.h"
 #include "support/ui/keyboardhook.h"
@@ -137,7 +138,7 @@ void SearchController::RetrieveSearchColumns() {
     // that is not a width ends the loop (the default's empty fifth one does),
     // and the columns after it keep the widths they have.
     try {
-        const QString text = settingsfile::readText(SongSearch::kColumnsKey, SongSearch::kColumnsReadDefault);
+        const QString text = settings::readText(keys::SearchColumns);
         const QList<int> widths = SongSearch::leadingWidths(text);
         for (int i = 0; i < widths.size(); ++i)
             m_list->setColumnWidth(i, widths[i]);
@@ -154,10 +155,10 @@ void SearchController::SaveSearchColumns() {
         const QString text = SongSearch::joinWidths(widths);
         if (text.isEmpty())
             throw std::runtime_error("no columns");
-        settingsfile::writeText(SongSearch::kColumnsKey, text);
+        settings::writeText(keys::SearchColumns, text);
     } catch (...) {
         try {
-            settingsfile::writeText(SongSearch::kColumnsKey, SongSearch::kColumnsSaveFallback);
+            settings::writeText(keys::SearchColumns, SongSearch::kColumnsSaveFallback);
         } catch (...) {
             // At shutdown there is no one left to tell.
         }

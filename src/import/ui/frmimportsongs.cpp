@@ -2,6 +2,7 @@
 
 #include "catalogue/database.h"
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "core/capplicationpaths.h"
 #include "core/errorlog.h"
 #include "core/globals.h"
@@ -27,7 +28,6 @@
 namespace {
 
 const QString kFormSource = QStringLiteral("KvApp.frmImportSongs");
-const QString kImportPathKey = QStringLiteral("ImportPath");
 
 QPushButton* makeButton(QWidget* parent, const char* name, const QString& caption, const QString& tip) {
     auto* b = new QPushButton(caption, parent);
@@ -133,7 +133,7 @@ void frmImportSongs::Form_Load() {
         cdoFileConvention->addItem(c.text, c.number);
     cdoFileConvention->setCurrentIndex(0);
     Guarded(kFormSource + QStringLiteral(".Form_Load"), 4, [this] {
-        m_importFolder = settingsfile::readText(kImportPathKey, settingsfile::defaultFolder());
+        m_importFolder = settings::readText(keys::ImportPath);
         txtFolder->setText(m_importFolder);
     });
     adjustSize();
@@ -175,7 +175,7 @@ void frmImportSongs::txtFolder_ButtonClick() {
     txtFolder->setText(chosen);
     m_importFolder = chosen;
     Guarded(kFormSource + QStringLiteral(".txtFolder_ButtonClick"), 3,
-            [&] { settingsfile::writeText(kImportPathKey, chosen); });
+            [&] { settings::writeText(keys::ImportPath, chosen); });
 }
 
 void frmImportSongs::btnGetTracks_Click() {

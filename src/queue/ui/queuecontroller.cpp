@@ -2,6 +2,7 @@
 
 #include "catalogue/database.h"
 #include "core/appsettings.h"
+#include "core/settings.h"
 #include "core/errorlog.h"
 #include "core/kverror.h"
 #include "core/prompts.h"
@@ -319,7 +320,7 @@ void QueueController::applyWidthText(const QString& text) {
 }
 
 void QueueController::RetrieveQueueColumns() {
-    applyWidthText(settingsfile::readText(queuecolumns::kSettingsKey, queuecolumns::kDefaultWidths));
+    applyWidthText(settings::readText(keys::QueueColumns));
     emit searchListRefreshRequested();
 }
 
@@ -332,10 +333,10 @@ void QueueController::SaveQueueColumns() {
     try {
         if (!m_list)
             throw KvError(91, QStringLiteral("The queue list is not there to measure"));
-        settingsfile::writeText(queuecolumns::kSettingsKey, headerwidths::widthsText(m_list));
+        settings::writeText(keys::QueueColumns, headerwidths::widthsText(m_list));
     } catch (...) {
         try {
-            settingsfile::writeText(queuecolumns::kSettingsKey, queuecolumns::kDefaultWidths);
+            settings::writeText(keys::QueueColumns, keys::QueueColumns.defaultText());
         } catch (...) {
         }
     }
