@@ -5,12 +5,12 @@
 #include "benchcommon.h"
 
 #include "core/appsettings.h"
-#include "core/settings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
 #include "core/consoleprompts.h"
 #include "core/globals.h"
 #include "core/prompts.h"
+#include "core/settings.h"
 #include "core/startupsettings.h"
 #include "core/workingfolder.h"
 

@@ -4,8 +4,8 @@
 #include "catalogue/searchresultsmodel.h"
 #include "catalogue/songsearch.h"
 #include "core/appsettings.h"
-#include "core/settings.h"
 #include "core/kverror.h"
+#include "core/settings.h"
 
 #include <QTextStream>
 

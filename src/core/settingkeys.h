@@ -30,8 +30,8 @@ struct SettingKey {
 };
 
 namespace settingdefaults {
-QString homeFolder();  // the home folder, with a trailing separator (a Windows host's "C:\")
-QString playerPath();  // /usr/bin/mpv
+QString homeFolder(); // the home folder, with a trailing separator (a Windows host's "C:\")
+QString playerPath(); // /usr/bin/mpv
 } // namespace settingdefaults
 
 namespace keys {

@@ -1,9 +1,9 @@
 #include "cencryptex.h"
 
 #include "core/appsettings.h"
-#include "core/settings.h"
 #include "core/cinifile.h"
 #include "core/globals.h"
+#include "core/settings.h"
 
 #include <QByteArray>
 
@@ -36,7 +36,5 @@ QString CEncryptEx::decipher(const QString& stored) {
 }
 
 void BuildArchivePassword() {
-    ArchivePassword = oSettings
-                          ? CEncryptEx::decipher(settings::readText(keys::mus))
-                          : QString();
+    ArchivePassword = oSettings ? CEncryptEx::decipher(settings::readText(keys::mus)) : QString();
 }

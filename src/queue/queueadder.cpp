@@ -2,11 +2,11 @@
 
 #include "catalogue/database.h"
 #include "core/appsettings.h"
-#include "core/settings.h"
 #include "core/errorlog.h"
 #include "core/kverror.h"
 #include "core/pathhelpers.h"
 #include "core/prompts.h"
+#include "core/settings.h"
 #include "keyboardhookcontrol.h"
 #include "performerprompt.h"
 #include "queuemodel.h"

@@ -9,7 +9,6 @@
 #include "catalogue/ui/searchcontroller.h"
 #include "catalogue/ui/searchresultslist.h"
 #include "core/appsettings.h"
-#include "core/settings.h"
 #include "core/capplicationpaths.h"
 #include "core/cinifile.h"
 #include "core/errorlog.h"
@@ -17,6 +16,7 @@
 #include "core/kverror.h"
 #include "core/pathhelpers.h"
 #include "core/prompts.h"
+#include "core/settings.h"
 #include "core/startupsettings.h"
 #include "core/twips.h"
 #include "core/ui/widgetprompts.h"
@@ -493,10 +493,7 @@ void frmMain::InitialiseStartup() {
         if (Cfg.ViewAllSongsAtStartup)
             m_parts->search().LoadAllSongs();
     });
-    guarded([&] {
-        Cfg.WinAmpPath =
-            settings::readText(keys::WinAmpPath);
-    });
+    guarded([&] { Cfg.WinAmpPath = settings::readText(keys::WinAmpPath); });
     // The queue comes back, then the player starts (with their progress texts).
     guarded([&] {
         StartPlayerAtStartup(

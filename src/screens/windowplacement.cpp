@@ -26,8 +26,7 @@ WindowPlacement GetWindowPositions(bool firstStart, int currentWidth, int curren
     } else {
         p.left = readText(keys::MainLeft).toInt();
         p.top = readText(keys::MainTop).toInt();
-        p.width =
-            readText(keys::MainWidth, QString::number(mainlayout::kRestoreMinWidth)).toInt();
+        p.width = readText(keys::MainWidth, QString::number(mainlayout::kRestoreMinWidth)).toInt();
     }
     if (p.width < mainlayout::kRestoreMinWidth)
         p.width = mainlayout::kRestoreMinWidth;

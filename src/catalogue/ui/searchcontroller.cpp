@@ -5,9 +5,9 @@
 #include "catalogue/songsearch.h"
 #include "catalogue/ui/searchresultslist.h"
 #include "core/appsettings.h"
-#include "core/settings.h"
 #include "core/errorlog.h"
 #include "core/prompts.h"
+#include "core/settings.h"
 #include "support/ui/keyboardhook.h"
 
 #include <QAbstractButton>

@@ -2,11 +2,11 @@
 
 #include "catalogue/database.h"
 #include "core/appsettings.h"
-#include "core/settings.h"
 #include "core/capplicationpaths.h"
 #include "core/errorlog.h"
 #include "core/globals.h"
 #include "core/prompts.h"
+#include "core/settings.h"
 #include "import/fileconventions.h"
 
 #include <QAction>

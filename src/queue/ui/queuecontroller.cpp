@@ -2,10 +2,10 @@
 
 #include "catalogue/database.h"
 #include "core/appsettings.h"
-#include "core/settings.h"
 #include "core/errorlog.h"
 #include "core/kverror.h"
 #include "core/prompts.h"
+#include "core/settings.h"
 #include "core/ui/headerwidths.h"
 #include "dialogperformerprompt.h"
 #include "queue/queuecolumns.h"
