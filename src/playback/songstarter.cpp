@@ -7,6 +7,7 @@
 #include "core/globals.h"
 #include "core/pathhelpers.h"
 #include "core/prompts.h"
+#include "history/historystore.h"
 #include "playback/cdgnormaliser.h"
 #include "playback/cencryptex.h"
 #include "playback/modpacemaker.h"
@@ -36,14 +37,6 @@ void SongStarter::emptyTempFolder() {
         else
             QFile::remove(fi.absoluteFilePath());
     }
-}
-
-QString SongStarter::historyInsertSql(const SelectedSong& s) {
-    return QStringLiteral(
-               "Insert into tblKaraokeTrackHistory(SingerName,Artist,Title,[Key],TrackPath)Values('") +
-           MakeSafeSql(s.PerformerName) + QStringLiteral("','") + MakeSafeSql(s.ArtistName) +
-           QStringLiteral("','") + MakeSafeSql(s.TrackName) + QStringLiteral("',") + QString::number(s.Key) +
-           QStringLiteral(",'") + MakeSafeSql(s.TrackPath) + QStringLiteral("')");
 }
 
 void SongStarter::StopSong() {
@@ -146,7 +139,10 @@ bool SongStarter::PlayKaraoke(int row) {
     }
 
     if (!song.PerformerName.isEmpty() && Cfg.SaveHistory)
-        Guarded(kSource, 9, [&] { ExecuteSql(historyInsertSql(song)); });
+        Guarded(kSource, 9, [&] {
+            HistoryStore::addPlayed(
+                {song.PerformerName, song.ArtistName, song.TrackName, song.Key, song.TrackPath});
+        });
     Guarded(kSource, 10, [&] {
         m_pacemaker.SetPitch(song.Key);
         m_view.setKeyCaption(QString::number(song.Key));

@@ -48,7 +48,6 @@ public:
     static QString unpackFolder();
     // Deletes everything the Temp folder holds (and makes it when missing).
     static void emptyTempFolder();
-    static QString historyInsertSql(const SelectedSong& song);
 
 private:
     PlayerLink& m_player;

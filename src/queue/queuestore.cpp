@@ -3,6 +3,7 @@
 #include "catalogue/database.h"
 #include "core/errorlog.h"
 #include "core/kverror.h"
+#include "queueentrydetails.h"
 #include "queuemodel.h"
 
 #include <QSqlError>
@@ -79,4 +80,13 @@ bool SaveQueue(const QueueModel& model) {
         });
     }
     return saved;
+}
+
+void AddToSavedQueue(int position, const QueueEntryDetails& e) {
+    ExecuteSql(QStringLiteral("INSERT INTO tblQueue(Queuepos, PerformerName, ArtistName, TrackName, SongKey, "
+                              "TrackPath )Values(") +
+               QString::number(position) + QStringLiteral(",'") + MakeSafeSql(e.PerformerName) +
+               QStringLiteral("','") + MakeSafeSql(e.ArtistName) + QStringLiteral("','") +
+               MakeSafeSql(e.TrackName) + QStringLiteral("',") + QString::number(e.Key) +
+               QStringLiteral(",'") + MakeSafeSql(e.TrackPath) + QStringLiteral("')"));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 class QueueModel;
+struct QueueEntryDetails;
 
 // The snapshot of the queue in tblQueue, which brings the queue back after a
 // restart. Both procedures are guarded: a failure is logged, the host is told,
@@ -14,3 +15,7 @@ void RestoreQueue(QueueModel& model);
 // and the new rows are one transaction: after a failure the old snapshot stands.
 // Returns true when the new snapshot is in place.
 bool SaveQueue(const QueueModel& model);
+
+// Adds one row to the saved queue at `position`, leaving the model as it is
+// (RestoreQueue shows it). Throws a KvError when the row is refused.
+void AddToSavedQueue(int position, const QueueEntryDetails& entry);

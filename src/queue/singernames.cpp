@@ -1,9 +1,7 @@
 #include "singernames.h"
 
-#include "catalogue/database.h"
 #include "core/errorlog.h"
-
-#include <QSqlQuery>
+#include "history/historystore.h"
 
 QStringList SingerNames;
 
@@ -16,10 +14,10 @@ void InitSingerNames(const QString& defaultName) {
 
 void LoadSingerNames() {
     Guarded(QStringLiteral("KvApp.frmMain.InitialiseStartup"), 11, [] {
-        QSqlQuery q = ExecuteSql(QStringLiteral("SELECT Distinct SingerName FROM tblKaraokeTrackHistory;"));
-        for (int index = 2; q.next(); ++index) {
+        const QStringList names = HistoryStore::singerNames();
+        for (int index = 2; index - 2 < names.size(); ++index) {
             SingerNames.resize(index + 1);
-            SingerNames[index] = q.value(0).toString();
+            SingerNames[index] = names.at(index - 2);
         }
     });
 }
