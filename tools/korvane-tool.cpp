@@ -3,6 +3,8 @@
 //   korvane-tool import FOLDER --convention N [--kamikaze]
 //   korvane-tool search WORDS...
 //   korvane-tool export songs|dedup|songbook FILE [--case upper|lower] [--email ADDRESS]
+//   korvane-tool history export FILE [--singer NAME] [--no-dups]
+//   korvane-tool history import FILE
 #include "kvtool.h"
 
 #include <QCoreApplication>
@@ -16,7 +18,9 @@ int main(int argc, char** argv) {
         err << "usage: korvane-tool import FOLDER --convention N [--kamikaze]\n"
                "       korvane-tool search WORDS...\n"
                "       korvane-tool export songs|dedup|songbook FILE [--case upper|lower] [--email "
-               "ADDRESS]\n";
+               "ADDRESS]\n"
+               "       korvane-tool history export FILE [--singer NAME] [--no-dups]\n"
+               "       korvane-tool history import FILE\n";
         return 2;
     }
     const QString command = args.takeFirst();
@@ -26,6 +30,8 @@ int main(int argc, char** argv) {
         return kvtool::runSearch(args);
     if (command == QLatin1String("export"))
         return kvtool::runExport(args);
+    if (command == QLatin1String("history"))
+        return kvtool::runHistory(args);
     err << "korvane-tool: unknown command " << command << "\n";
     return 2;
 }

@@ -17,5 +17,6 @@ bool openWorkingFolder(CatalogueUse use);
 int runImport(const QStringList& args);
 int runSearch(const QStringList& args);
 int runExport(const QStringList& args);
+int runHistory(const QStringList& args);
 
 } // namespace kvtool
