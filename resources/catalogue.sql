@@ -67,3 +67,7 @@ CREATE TABLE tblKaraokeTrackHistory (
     [Key]      INTEGER,
     TrackPath  TEXT COLLATE BINARY
 );
+
+-- The history screen lists by singer and artist: with this index its first
+-- rows come at once, without sorting the whole history first.
+CREATE INDEX idxHistorySinger ON tblKaraokeTrackHistory (SingerName, Artist);

@@ -42,8 +42,8 @@ public:
                                         const QString& folder);
 
     // Adds every row of the file at `path` to the history, one statement a
-    // row and no transaction: an error ends the reading and the rows before
-    // it stay. `afterRow` runs after each row added (the screen lets pending
+    // row, never rolled back: an error ends the reading and the rows before it
+    // stay. `afterRow` runs after each row added (the screen lets pending
     // events through there). Writes no log; the caller does.
     static ImportOutcome read(const QString& path, const std::function<void(qint64 rows)>& afterRow = {});
 
