@@ -32,7 +32,7 @@ struct ButtonFace {
 const ButtonFace kQueueButtons[5] = {
     {"T", "Move the selected song to top of the queue"},
     {"U", "Move the selected song up one in the queue"},
-    {"\u2715", "Removes the selected song from the queue"},
+    {"\u2716", "Removes the selected song from the queue"},
     {"D", "Move the selected song down one in the queue"},
     {"B", "Move the selected song to bottom of the queue"},
 };
