@@ -16,6 +16,9 @@ void RestoreQueue(QueueModel& model);
 // Returns true when the new snapshot is in place.
 bool SaveQueue(const QueueModel& model);
 
+// Removes every saved row. Raises the catalogue's error when the statement fails.
+void ClearSavedQueue();
+
 // Adds one row to the saved queue at `position`, leaving the model as it is
 // (RestoreQueue shows it). Throws a KvError when the row is refused.
 void AddToSavedQueue(int position, const QueueEntryDetails& entry);
