@@ -6,11 +6,14 @@
 #include "settingsfollowers.h"
 
 #include "catalogue/ui/searchcontroller.h"
+#include "history/historyqueue.h"
+#include "history/ui/frmhistory.h"
 #include "import/ui/frmimportsongs.h"
 #include "queue/queuemodel.h"
 #include "queue/ui/queuecontroller.h"
 
 #include <QCheckBox>
+#include <QFrame>
 #include <QMenu>
 #include <QPushButton>
 
@@ -77,6 +80,7 @@ void MainParts::connectControls() {
 
     connect(m_w.cmdImport, &QPushButton::clicked, this, [this] { cmdImport_Click(); });
     connect(m_w.btnOptions, &QPushButton::clicked, this, [this] { btnOptions_Click(); });
+    connect(m_w.btnHistory, &QPushButton::clicked, this, [this] { btnHistory_Click(); });
 }
 
 void MainParts::cmdImport_Click() {
@@ -98,6 +102,20 @@ void MainParts::btnOptions_Click() {
         dialog.setPageContent(frmOptions::General, general);
         dialog.setCloseHooks({{}, [general] { general->takeOverDefaultName(); }});
         m_followers->applyColorScheme();
+        dialog.exec();
+    }
+    m_search->createKeyboardHook();
+}
+
+void MainParts::btnHistory_Click() {
+    m_search->releaseKeyboardHook();
+    {
+        QueueModelHistoryQueue queue(*m_queue->model());
+        frmHistory dialog(queue, m_window);
+        // Over the queue: the queue frame's left, the play control frame's top.
+        const QPoint origin = m_window->frameGeometry().topLeft();
+        dialog.move(origin.x() + m_w.fraQueue->mapTo(m_window, QPoint()).x(),
+                    origin.y() + m_w.fraPlayControl->mapTo(m_window, QPoint()).y());
         dialog.exec();
     }
     m_search->createKeyboardHook();

@@ -45,6 +45,8 @@ public:
     void cmdImport_Click();
     // Opens the options screen, likewise.
     void btnOptions_Click();
+    // Opens the history screen over the queue, likewise.
+    void btnHistory_Click();
     // The changes of settings that take effect at once.
     SettingsFollowers& followers() { return *m_followers; }
 
