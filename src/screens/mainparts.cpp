@@ -116,6 +116,7 @@ void MainParts::btnHistory_Click() {
         const QPoint origin = m_window->frameGeometry().topLeft();
         dialog.move(origin.x() + m_w.fraQueue->mapTo(m_window, QPoint()).x(),
                     origin.y() + m_w.fraPlayControl->mapTo(m_window, QPoint()).y());
+        m_followers->applyColorScheme();
         dialog.exec();
     }
     m_search->createKeyboardHook();

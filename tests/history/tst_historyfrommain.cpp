@@ -6,6 +6,7 @@
 #include "historyfixture.h"
 #include "queue/queuemodel.h"
 #include "queue/ui/queuecontroller.h"
+#include "screens/colorschemes.h"
 #include "screens/frmmain.h"
 #include "screens/mainparts.h"
 #include "scriptedprompts.h"
@@ -48,6 +49,7 @@ private slots:
         bool seen = false;
         bool hookReleased = false;
         QPoint at, expected;
+        QColor face;
         QTimer::singleShot(0, this, [&] {
             auto* f = qobject_cast<frmHistory*>(QApplication::activeModalWidget());
             if (!f)
@@ -55,6 +57,8 @@ private slots:
             seen = true;
             hookReleased = w.parts().search().keyboardHook() == nullptr;
             at = f->frameGeometry().topLeft();
+            const QImage button = f->cmdClose->grab().toImage();
+            face = button.pixelColor(button.width() / 2, button.height() / 2);
             const QPoint origin = w.frameGeometry().topLeft();
             expected = {origin.x() + w.fraQueue->mapTo(&w, QPoint()).x(),
                         origin.y() + w.fraPlayControl->mapTo(&w, QPoint()).y()};
@@ -66,6 +70,7 @@ private slots:
         QVERIFY(seen);
         QVERIFY(hookReleased);
         QCOMPARE(at, expected);
+        QCOMPARE(face, colorschemes::colours(Cfg.ColorScheme).button);
         QVERIFY(w.parts().search().keyboardHook() != nullptr);
         QueueModel* queue = w.parts().queue().model();
         QCOMPARE(queue->rowCount(), 1);

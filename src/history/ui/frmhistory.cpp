@@ -6,7 +6,6 @@
 #include "core/ui/headerwidths.h"
 #include "history/historycsv.h"
 #include "history/historylistmodel.h"
-#include "screens/colorschemes.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>
@@ -135,7 +134,6 @@ void frmHistory::Form_Load() {
     chkNoDups->setChecked(true);
     // Read as a number: only 1 puts "(All)" in the combo.
     const int autoSelectAll = settings::readInt(keys::AutoSelectAllInHistory, 0);
-    SetFormColors(*this, settings::readInt(keys::ColorScheme));
     RetrieveHistoryColumns();
     Guarded(kLoadSource, 5, [&] { fillSingers(HistoryStore::singersForCombo(autoSelectAll == 1)); });
     GetHistory();

@@ -18,7 +18,8 @@ class QTableView;
 // desktop or imports an earlier export.
 //
 // Shown modally by the main window, which releases its keyboard filter before
-// and makes a new one afterwards, and places it over its queue. The queue is
+// and makes a new one afterwards, places it over its queue and gives it the
+// colour scheme. The queue is
 // reached through HistoryQueue only.
 class frmHistory : public QDialog {
     Q_OBJECT
