@@ -279,11 +279,19 @@ void frmHistory::cmdImport_Click() {
     });
     if (!chosen || path.isEmpty())
         return;
+    // Pending events go through while the rows go in; the buttons wait, so
+    // that no clear or second import runs in the middle of this one.
     m_importing = true;
+    const QList<QPushButton*> buttons{btnLoad,   cmdAddSingleSong, cmdClearHistory,
+                                      cmdExport, cmdImport,        cmdClose};
+    for (QPushButton* b : buttons)
+        b->setEnabled(false);
     const HistoryCsv::ImportOutcome out = HistoryCsv::read(path, [](qint64 rows) {
         if (rows % kImportEventsEvery == 0)
             QCoreApplication::processEvents();
     });
+    for (QPushButton* b : buttons)
+        b->setEnabled(true);
     m_importing = false;
     if (!out.ok)
         LogError(out.error, HistoryCsv::kImportSource, 3);
