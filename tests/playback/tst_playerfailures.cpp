@@ -4,7 +4,7 @@
 #include "fakeplayback.h"
 #include "playback/cdgnormaliser.h"
 #include "playback/cencryptex.h"
-#include "playback/playerprocess.h"
+#include "playback/mpvinstance.h"
 #include "playback/playerstartup.h"
 #include "playback/winamp_control.h"
 #include "playbackmedia.h"
@@ -50,8 +50,8 @@ struct PlayerHelperMode {
         char name[] = "player-helper";
         char* argv[] = {name, nullptr};
         QCoreApplication app(argc, argv);
-        PlayerProcess process;
-        if (process.start(QString::fromLocal8Bit(player), {QStringLiteral("--idle=yes")}) < 0)
+        MpvInstance process;
+        if (!process.start(QString::fromLocal8Bit(player), {QStringLiteral("--idle=yes")}))
             ::_exit(3);
         std::printf("%lld\n", static_cast<long long>(process.processId()));
         std::fflush(stdout);
