@@ -1,7 +1,9 @@
 #include "jinglebank.h"
 
 #include "core/appsettings.h"
+#include "core/capplicationpaths.h"
 #include "core/errorlog.h"
+#include "core/globals.h"
 #include "core/pathhelpers.h"
 #include "core/settings.h"
 #include "jingles/jingleplayer.h"
@@ -23,6 +25,14 @@ QString JingleBank::captionFor(const QString& path) {
     // Exactly four characters go, whatever the extension: a point and three letters.
     const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
     return name.left(std::max<qsizetype>(0, name.size() - 4));
+}
+
+QString JingleBank::engineProgram() {
+    const QString path = settings::readText(keys::WinAmpPath);
+    if (!path.isEmpty() && FileExists(path))
+        return path;
+    return oApplicationPaths ? oApplicationPaths->WinampExecutable()
+                             : cApplicationPaths::playerFolder() + QStringLiteral("/mpv");
 }
 
 void JingleBank::InitBacking(const QString& program) {

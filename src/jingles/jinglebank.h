@@ -30,6 +30,9 @@ public:
     // The caption of a button that holds `path`.
     static QString captionFor(const QString& path);
 
+    // The engine's executable: the karaoke player's (WinAmpPath) when that file
+    // exists, else mpv in the player's install folder.
+    static QString engineProgram();
     // Opens the engine on the output AudioDevice, with its fades; `program` is
     // the player's executable. Errors are logged and the start goes on.
     void InitBacking(const QString& program);

@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStyle>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -39,6 +40,9 @@ JingleOptionsPage::JingleOptionsPage(JinglePlayer* player, QWidget* parent)
         QAction* pick =
             box->addAction(style()->standardIcon(QStyle::SP_DirOpenIcon), QLineEdit::TrailingPosition);
         pick->setObjectName(QStringLiteral("myJingleButton"));
+        // The button the box draws for the action answers to the same name.
+        for (QToolButton* b : box->findChildren<QToolButton*>())
+            b->setObjectName(QStringLiteral("myJingleButton"));
         pick->setToolTip(kPickTitle);
         connect(pick, &QAction::triggered, this, [this, i] { myJingle_ButtonClick(i); });
         auto* clear = new QPushButton(QStringLiteral("Clear"), this);
