@@ -2,6 +2,8 @@
 
 #include "nowplayinglabels.h"
 
+#include "jingles/jinglebank.h"
+#include "jingles/jingleplayer.h"
 #include "playback/keycontrol.h"
 #include "playback/modpacemaker.h"
 #include "playback/playbackseams.h"
@@ -38,6 +40,8 @@ public:
     Transport& transport() { return m_transport; }
     KeyControl& keys() { return m_keys; }
     SongStarter& starter() { return m_starter; }
+    JinglePlayer& jinglePlayer() { return m_jinglePlayer; }
+    JingleBank& jingles() { return m_jingles; }
     // The keyboard filter that drives the search box.
     KeyboardHookControl& keyboardHook();
 
@@ -51,15 +55,10 @@ public:
     SettingsFollowers& followers() { return *m_followers; }
 
 private:
-    // Until the audience screen and the fill music stand, a song start
-    // announces no one and finds no fill music playing.
+    // Until the audience screen stands, a song start announces no one.
     struct NoAnnouncements : AnnouncementSink {
         void UpdateNextPerformer() override {}
         void ClearNextPerformer() override {}
-    };
-    struct NoFillMusic : JingleAccess {
-        int playerState() override { return 0; }
-        void stop() override {}
     };
 
     void attachControls();
@@ -72,8 +71,10 @@ private:
     std::unique_ptr<QueuePlaybackAccess> m_queueAccess;
     NowPlayingLabels m_nowPlaying;
     NoAnnouncements m_announcements;
-    NoFillMusic m_fillMusic;
     WinAMP_Control m_player;
+    // The fill music: its engine serves the song start's JingleAccess.
+    JinglePlayer m_jinglePlayer;
+    JingleBank m_jingles{m_jinglePlayer, m_player};
     modPacemaker m_pacemaker{m_player};
     SongStarter m_starter{m_player, m_pacemaker, *m_queueAccess, m_nowPlaying};
     Transport m_transport{m_player, m_starter, *m_queueAccess, m_nowPlaying};

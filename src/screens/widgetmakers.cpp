@@ -45,7 +45,6 @@ QLabel* makeLabel(QWidget* parent, const char* name, const QString& caption, int
                QFontMetrics(f).horizontalAdvance(caption) > l->width())
             f.setPointSize(f.pointSize() - 1);
         l->setFont(f);
-        l->setStyleSheet(QStringLiteral("color: #C0C0C0;"));
     }
     return l;
 }
