@@ -58,7 +58,7 @@ public:
     void createKeyboardHook() override;
     // The next-performer strip and the fill music are not on this console yet:
     // a song start asks them nothing.
-    void UpdateNextPerformer() override {}
+    void UpdateNextPerformer(int) override {}
     void ClearNextPerformer() override {}
     int playerState() override { return 0; }
     void stop() override {}
