@@ -5,6 +5,8 @@
 #include "mainwidgets.h"
 #include "settingsfollowers.h"
 
+#include "audience/ui/audiencepreview.h"
+#include "audience/ui/frasecondscreen.h"
 #include "catalogue/ui/searchcontroller.h"
 #include "import/ui/frmimportsongs.h"
 #include "queue/queuemodel.h"
@@ -13,6 +15,7 @@
 #include <QCheckBox>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 
 namespace {
 
@@ -50,6 +53,10 @@ void MainParts::attachControls() {
     m_queue->attachClearQueueButton(m_w.btnClearQueue);
     m_queue->attachKamikazeButton(m_w.btnKami);
     m_queue->attachFileButton(m_w.cmdFF);
+    m_w.picPreview->setAudience(&m_audience);
+    m_audience.setVideoPlacer([this](bool on, QScreen* screen) {
+        m_player.setVideoFullScreen(on, screen ? screen->name() : QString());
+    });
 }
 
 void MainParts::connectControls() {
@@ -75,6 +82,8 @@ void MainParts::connectControls() {
     for (int i = 0; i < int(m_w.btnBalance.size()); ++i)
         connect(m_w.btnBalance[i], &QPushButton::clicked, this, [this, i] { m_keys.btnBalance_Click(i); });
 
+    connect(m_w.btnUpdateNP, &QPushButton::clicked, this, [this] { m_announcements.btnUpdateNP_Click(); });
+    connect(m_w.btnClearNP, &QPushButton::clicked, this, [this] { m_announcements.btnClearNP_Click(); });
     connect(m_w.cmdImport, &QPushButton::clicked, this, [this] { cmdImport_Click(); });
     connect(m_w.btnOptions, &QPushButton::clicked, this, [this] { btnOptions_Click(); });
 }
@@ -87,6 +96,8 @@ void MainParts::cmdImport_Click() {
                 [this] { m_queue->model()->clearItems(); });
         dialog.exec();
     }
+    // The audience window shows or goes as the options left ShowSecondScreen.
+    m_audience.showIfWanted();
     m_search->createKeyboardHook();
 }
 
@@ -96,6 +107,7 @@ void MainParts::btnOptions_Click() {
         frmOptions dialog(m_window);
         auto* general = new GeneralOptionsPage;
         dialog.setPageContent(frmOptions::General, general);
+        dialog.setPageContent(frmOptions::SecondScreen, new fraSecondScreen(&m_audience));
         dialog.setCloseHooks({{}, [general] { general->takeOverDefaultName(); }});
         m_followers->applyColorScheme();
         dialog.exec();

@@ -2,6 +2,8 @@
 
 #include "nowplayinglabels.h"
 
+#include "audience/nextperformer.h"
+#include "audience/ui/audiencescreen.h"
 #include "playback/keycontrol.h"
 #include "playback/modpacemaker.h"
 #include "playback/playbackseams.h"
@@ -38,6 +40,8 @@ public:
     Transport& transport() { return m_transport; }
     KeyControl& keys() { return m_keys; }
     SongStarter& starter() { return m_starter; }
+    // The audience window, loaded when touched.
+    AudienceScreen& audience() { return m_audience; }
     // The keyboard filter that drives the search box.
     KeyboardHookControl& keyboardHook();
 
@@ -49,12 +53,7 @@ public:
     SettingsFollowers& followers() { return *m_followers; }
 
 private:
-    // Until the audience screen and the fill music stand, a song start
-    // announces no one and finds no fill music playing.
-    struct NoAnnouncements : AnnouncementSink {
-        void UpdateNextPerformer(int) override {}
-        void ClearNextPerformer() override {}
-    };
+    // Until the fill music stands, a song start finds no fill music playing.
     struct NoFillMusic : JingleAccess {
         int playerState() override { return 0; }
         void stop() override {}
@@ -69,12 +68,13 @@ private:
     std::unique_ptr<QueueController> m_queue;
     std::unique_ptr<QueuePlaybackAccess> m_queueAccess;
     NowPlayingLabels m_nowPlaying;
-    NoAnnouncements m_announcements;
     NoFillMusic m_fillMusic;
     WinAMP_Control m_player;
     modPacemaker m_pacemaker{m_player};
     SongStarter m_starter{m_player, m_pacemaker, *m_queueAccess, m_nowPlaying};
     Transport m_transport{m_player, m_starter, *m_queueAccess, m_nowPlaying};
     KeyControl m_keys{m_pacemaker, m_player, m_nowPlaying};
+    AudienceScreen m_audience;
+    NextPerformerAnnouncer m_announcements{*m_queueAccess, m_audience};
     SettingsFollowers* m_followers = nullptr;
 };

@@ -42,7 +42,8 @@ private slots:
     void aNewPictureReachesBothWindowsAtOnce() {
         AudienceScreen audience;
         audience.window();
-        AudiencePreview preview(&audience);
+        AudiencePreview preview;
+        preview.setAudience(&audience);
         preview.resize(290, 193);
         const QString red = picture("red.jpg", Qt::red);
         m_prompts->answer(red);
@@ -66,8 +67,9 @@ private slots:
     void aFileThatIsNoPictureIsRefusedAndChangesNothing() {
         const QString good = picture("good.png", Qt::green);
         settings::writeText(keys::MainImage, good);
-        AudiencePreview preview(nullptr);
+        AudiencePreview preview;
         preview.resize(200, 100);
+        preview.showFile(good);
         const QString bad = m_ws->dataFolder() + "notes.jpg";
         QFile f(bad);
         QVERIFY(f.open(QIODevice::WriteOnly));
@@ -82,7 +84,7 @@ private slots:
     }
 
     void theRightButtonPopsUpThePictureMenu() {
-        AudiencePreview preview(nullptr);
+        AudiencePreview preview;
         preview.resize(200, 100);
         preview.show();
         QVERIFY(QTest::qWaitForWindowExposed(&preview));
@@ -98,7 +100,8 @@ private slots:
         audience.window().move(5000, 3000);
         QWidget main;
         main.move(40, 30);
-        AudiencePreview preview(&audience, &main);
+        AudiencePreview preview(&main);
+        preview.setAudience(&audience);
         preview.mnuBGResetPosition->trigger();
         QCOMPARE(audience.window().pos(), main.frameGeometry().topLeft());
     }

@@ -7,9 +7,8 @@
 #include <QMenu>
 #include <QMouseEvent>
 
-AudiencePreview::AudiencePreview(AudienceScreen* audience, QWidget* parent)
-    : BackgroundPicture(parent), m_audience(audience) {
-    setObjectName(QStringLiteral("fraLyrics"));
+AudiencePreview::AudiencePreview(QWidget* parent) : BackgroundPicture(parent) {
+    setObjectName(QStringLiteral("picPreview"));
     mnuBGImage = new QMenu(QStringLiteral("BG"), this);
     mnuBGImage->setObjectName(QStringLiteral("mnuBGImage"));
     mnuBGSelectImage =
@@ -27,7 +26,6 @@ AudiencePreview::AudiencePreview(AudienceScreen* audience, QWidget* parent)
                 if (key == keys::MainImage.qualifiedName())
                     showFile(settings::readText(keys::MainImage));
             });
-    showFile(settings::readText(keys::MainImage));
 }
 
 void AudiencePreview::ResetPosition() {

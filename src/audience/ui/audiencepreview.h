@@ -13,8 +13,9 @@ class QMenu;
 class AudiencePreview : public BackgroundPicture {
     Q_OBJECT
 public:
-    // `audience` (not owned) may be null; then Reset Position does nothing.
-    explicit AudiencePreview(AudienceScreen* audience, QWidget* parent = nullptr);
+    explicit AudiencePreview(QWidget* parent = nullptr);
+    // The audience window that Reset Position moves (not owned; null: nothing moves).
+    void setAudience(AudienceScreen* audience) { m_audience = audience; }
 
     QMenu* mnuBGImage;
     QAction* mnuBGSelectImage;
@@ -28,5 +29,5 @@ protected:
     void mousePressEvent(QMouseEvent* e) override;
 
 private:
-    AudienceScreen* m_audience;
+    AudienceScreen* m_audience = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include "audience/ui/vbwscroller.h"
 #include "core/appsettings.h"
+#include "core/globals.h"
 #include "core/settings.h"
 
 AudienceScreen::AudienceScreen(QObject* parent) : QObject(parent) {
@@ -21,7 +22,11 @@ frmAudience& AudienceScreen::window() {
     if (!m_window) {
         m_window = new frmAudience();
         m_window->setVideoPlacer(m_placer);
-        connect(m_window, &frmAudience::closeRequested, this, &AudienceScreen::unload, Qt::QueuedConnection);
+        frmAudience* w = m_window;
+        connect(w, &frmAudience::closeRequested, this, [this, w] {
+            if (m_window == w)
+                unload();
+        });
         emit windowLoaded(m_window);
     }
     return *m_window;
@@ -32,7 +37,9 @@ void AudienceScreen::unload() {
         return;
     frmAudience* w = m_window;
     m_window = nullptr;
-    w->savePlace();
+    // At the very end the settings store may already be closed: nothing is saved then.
+    if (oSettings)
+        w->savePlace();
     w->hide();
     w->deleteLater();
 }

@@ -217,6 +217,12 @@ void frmAudience::applyLyricsPlace() {
     m_videoPlacer(true, m_videoScreen);
 }
 
+void frmAudience::closeEvent(QCloseEvent* e) {
+    // However it is closed, the holder unloads it (and saves its place).
+    QWidget::closeEvent(e);
+    emit closeRequested();
+}
+
 void frmAudience::resizeEvent(QResizeEvent* e) {
     QWidget::resizeEvent(e);
     placeStrip();
