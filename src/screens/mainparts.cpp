@@ -96,8 +96,6 @@ void MainParts::cmdImport_Click() {
                 [this] { m_queue->model()->clearItems(); });
         dialog.exec();
     }
-    // The audience window shows or goes as the options left ShowSecondScreen.
-    m_audience.showIfWanted();
     m_search->createKeyboardHook();
 }
 
@@ -112,5 +110,7 @@ void MainParts::btnOptions_Click() {
         m_followers->applyColorScheme();
         dialog.exec();
     }
+    // The audience window shows or goes as the options left ShowSecondScreen.
+    m_audience.showIfWanted();
     m_search->createKeyboardHook();
 }

@@ -3,6 +3,7 @@
 #include "audience/ui/backgroundpicture.h"
 #include "audience/ui/frmaudience.h"
 #include "audience/ui/vbwscroller.h"
+#include "audience/vbcolor.h"
 #include "core/appsettings.h"
 #include "core/cinifile.h"
 #include "core/globals.h"
@@ -105,6 +106,27 @@ private slots:
         QCOMPARE(w.ScrollerText(), QString("Hello room"));
         QCOMPARE(m.ScrollType(), 3);
         QCOMPARE(w.scroller->txtCredits()->focusPolicy(), Qt::NoFocus);
+    }
+
+    void textInTheStripsOwnColourIsDrawnReadable_data() {
+        QTest::addColumn<QString>("fore");
+        QTest::addColumn<QString>("back");
+        QTest::addColumn<QColor>("drawn");
+        QTest::newRow("both black, as the defaults are: white") << "0"
+                                                                << "0" << QColor(Qt::white);
+        QTest::newRow("both white: black") << "16777215"
+                                           << "16777215" << QColor(Qt::black);
+        QTest::newRow("different: as chosen") << "65535"
+                                              << "0" << QColor(Qt::yellow);
+    }
+    void textInTheStripsOwnColourIsDrawnReadable() {
+        QFETCH(QString, fore);
+        QFETCH(QString, back);
+        QFETCH(QColor, drawn);
+        seed("AudienceScrollerFontColor=" + fore + "|AudienceScrollerColor=" + back);
+        frmAudience w;
+        QCOMPARE(w.scroller->txtCredits()->palette().color(QPalette::WindowText), drawn);
+        QCOMPARE(w.scroller->model().ForeColor(), vbcolor::parse(fore));
     }
 
     void thePlaceRoundTrips() {

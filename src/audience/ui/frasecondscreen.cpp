@@ -75,9 +75,9 @@ fraSecondScreen::fraSecondScreen(AudienceScreen* audience, QWidget* parent)
 
     auto* grid = new QGridLayout(this);
     int row = 0;
-    grid->addWidget(chkShowSecondScreen, row++, 0, 1, 3);
-    grid->addWidget(chkEnableNextPerformer, row++, 0, 1, 3);
-    grid->addWidget(chkNextPerformerPosition, row++, 0, 1, 3);
+    grid->addWidget(chkShowSecondScreen, row++, 0, 1, 3, Qt::AlignLeft);
+    grid->addWidget(chkEnableNextPerformer, row++, 0, 1, 3, Qt::AlignLeft);
+    grid->addWidget(chkNextPerformerPosition, row++, 0, 1, 3, Qt::AlignLeft);
     grid->addWidget(Label11, row++, 0, 1, 3);
     grid->addWidget(txtScrollerStartupText, row, 0, 1, 2);
     grid->addWidget(btnSetStartupText, row++, 2);

@@ -43,7 +43,11 @@ void vbwScroller::applyBox() {
 void vbwScroller::applyLook() {
     QPalette pal = palette();
     const QColor back = vbcolor::toQColor(m_model.BackColor(), pal);
-    const QColor fore = vbcolor::toQColor(m_model.ForeColor(), pal);
+    QColor fore = vbcolor::toQColor(m_model.ForeColor(), pal);
+    // Both colours default to black: text in the strip's own colour would be
+    // unreadable, so it is drawn in white on a dark strip, black on a light one.
+    if (fore.rgb() == back.rgb())
+        fore = back.lightness() < 128 ? QColor(Qt::white) : QColor(Qt::black);
     pal.setColor(QPalette::Window, back);
     pal.setColor(QPalette::WindowText, fore);
     setPalette(pal);
