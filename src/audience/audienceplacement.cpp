@@ -10,12 +10,10 @@ Placement place(const Saved& saved, bool firstStart, const QRect& primary, const
     const int ty = qMax(1, twipsPerPixelY);
     Placement p;
     p.maximised = saved.state == 2;
-    int w = saved.width > 0 ? saved.width / tx : kDesignWidth / tx;
-    int h = saved.height > 0 ? saved.height / ty : kDesignHeight / ty;
-    if (saved.width <= 0 || saved.height <= 0) {
-        w = kDesignWidth / tx;
-        h = kDesignHeight / ty;
-    }
+    // A size of nothing or less in either direction: the design size in both.
+    const bool sized = saved.width > 0 && saved.height > 0;
+    int w = (sized ? saved.width : kDesignWidth) / tx;
+    int h = (sized ? saved.height : kDesignHeight) / ty;
     if (!desktop.isEmpty()) {
         w = qMin(w, desktop.width());
         h = qMin(h, desktop.height());
