@@ -10,13 +10,13 @@
 #include "core/pathhelpers.h"
 #include "core/prompts.h"
 
+#include "sqlerror.h"
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <QSqlDriver>
-#include "sqlerror.h"
 
 #include <QSqlError>
 

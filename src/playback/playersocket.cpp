@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstdlib>
@@ -15,10 +16,10 @@ namespace {
 // What sockaddr_un can hold, its terminator left out.
 constexpr qsizetype kMaxSocketPath = sizeof(sockaddr_un::sun_path) - 1;
 
-QString socketIn(const QString& folder) {
+QString socketIn(const QString& folder, const QString& name = PlayerSocket::kName) {
     if (folder.isEmpty())
         return {};
-    const QString path = QDir(folder).filePath(PlayerSocket::kName);
+    const QString path = QDir(folder).filePath(name);
     return QFile::encodeName(path).size() <= kMaxSocketPath ? path : QString();
 }
 
@@ -76,6 +77,11 @@ QString path() {
         return choose(QFile::decodeName(runtime), QDir::tempPath());
     }();
     return chosen;
+}
+
+QString pathFor(const QString& name) {
+    const QString player = path();
+    return player.isEmpty() ? QString() : socketIn(QFileInfo(player).path(), name);
 }
 
 } // namespace PlayerSocket

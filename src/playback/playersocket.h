@@ -15,6 +15,9 @@ inline const QString kName = QStringLiteral("KVPLAY");
 
 // The socket path for this run, chosen once; empty when no private place fits.
 QString path();
+// The socket `name` beside path(), for another instance of the program's own;
+// empty when there is no private place or the path would not fit a socket address.
+QString pathFor(const QString& name);
 
 // The choice behind path(): `runtimeFolder` when it is private; else the folder
 // "KVPLAY-<uid>" in `tempFolder` when it is private (made when missing); else a

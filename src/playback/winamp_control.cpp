@@ -67,8 +67,7 @@ void WinAMP_Control::logStall(const QString& reason) {
 }
 
 WinAMP_Control::~WinAMP_Control() {
-    m_conn.close();
-    m_process.kill();
+    m_conn.kill();
 }
 
 QString WinAMP_Control::playerSocketPath() {
@@ -102,10 +101,6 @@ QStringList WinAMP_Control::playerArguments() const {
                         // The room sees this window: no on-screen controller, which
                         // also draws the logo and "drop files here" between songs.
                         QStringLiteral("--osc=no")};
-    // Without a private place for it the player has no socket; the program
-    // itself talks to it over the socket pair all the same.
-    if (const QString socket = playerSocketPath(); !socket.isEmpty())
-        args.append(QStringLiteral("--input-ipc-server=") + socket);
     return args;
 }
 
@@ -136,14 +131,11 @@ bool WinAMP_Control::StartPlayer() {
         return false;
     }
     prepareConfigFolder();
-    const int fd = m_process.start(m_winampPath, playerArguments());
-    if (fd < 0)
+    // Without a private place for it the player has no socket; the program
+    // itself talks to it over the socket pair all the same.
+    m_conn.setSocketPath(playerSocketPath());
+    if (!m_conn.start(m_winampPath, playerArguments()))
         return false;
-    if (!m_conn.adoptDescriptor(fd)) {
-        ::close(fd);
-        m_process.kill();
-        return false;
-    }
     m_wait(1000);
     for (int attempt = 0; attempt <= 10; ++attempt) {
         // A short probe: something that is not a player must not hold start-up much longer
@@ -157,8 +149,7 @@ bool WinAMP_Control::StartPlayer() {
         m_wait(1000);
     }
     // Whatever was started is not a player this program can drive: it must not linger.
-    m_conn.close();
-    m_process.kill();
+    m_conn.kill();
     m_connected = false;
     return false;
 }
@@ -414,7 +405,7 @@ bool WinAMP_Control::PlayFile(const QString& path) {
     } else {
         cmd.insert(QStringLiteral("url"), path);
     }
-    const MpvConnection::Reply r = m_conn.request(cmd);
+    const MpvInstance::Reply r = m_conn.request(cmd);
     m_lastPlayResult = r.ok ? 1 : 0;
     return m_lastPlayResult != 0;
 }

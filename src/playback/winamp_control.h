@@ -1,17 +1,16 @@
 #pragma once
 
-#include "playback/mpvconnection.h"
+#include "playback/mpvinstance.h"
 #include "playback/playerlink.h"
-#include "playback/playerprocess.h"
 
 #include <QObject>
 #include <QTimer>
 #include <functional>
 
 // The link to the private player instance: an mpv process started by the
-// program and driven over its JSON IPC channel. One connection (the player's
-// "window": open means WinampWindow is set), a launcher, and one small
-// operation for each thing the program asks of the player.
+// program and driven over its JSON IPC channel (the MpvInstance; an open
+// connection means WinampWindow is set), and one small operation for each
+// thing the program asks of the player.
 class WinAMP_Control : public QObject, public PlayerLink {
     Q_OBJECT
 public:
@@ -39,9 +38,9 @@ public:
     static QString playerSocketPath();
     // The player's private configuration folder (below the working folder).
     static QString playerConfigFolder();
-    qint64 playerProcessId() const { return m_process.processId(); }
-    // The connection itself, for figures and for tests that read the player's properties.
-    MpvConnection& connection() { return m_conn; }
+    qint64 playerProcessId() const { return m_conn.processId(); }
+    // The player instance itself, for figures and for tests that read the player's properties.
+    MpvInstance& connection() { return m_conn; }
 
     bool isConnected() const override { return m_connected; }
     bool FindPlayer() override;
@@ -86,8 +85,7 @@ private:
     void fadeStep();
     void cancelFade();
 
-    MpvConnection m_conn;
-    PlayerProcess m_process;
+    MpvInstance m_conn;
     QString m_winampPath;
     bool m_connected = false;
     int m_lastPlayResult = 0;

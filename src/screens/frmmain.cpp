@@ -52,8 +52,12 @@ void frmMain::SetupSizeLimits() {
 
 // ---------------------------------------------------------------- seams
 
-void frmMain::InitBacking() {}
-void frmMain::InitialiseJingles() {}
+void frmMain::InitBacking() {
+    m_parts->jingles().InitBacking(JingleBank::engineProgram());
+}
+void frmMain::InitialiseJingles() {
+    m_parts->jingles().InitialiseJingles();
+}
 void frmMain::SetFormColors() {
     ::SetFormColors(*this, Cfg.ColorScheme);
 }

@@ -9,6 +9,8 @@
 #include "audience/ui/frasecondscreen.h"
 #include "catalogue/ui/searchcontroller.h"
 #include "import/ui/frmimportsongs.h"
+#include "jingles/ui/jinglebuttons.h"
+#include "jingles/ui/jingleoptionspage.h"
 #include "queue/queuemodel.h"
 #include "queue/ui/queuecontroller.h"
 
@@ -35,7 +37,7 @@ MainParts::MainParts(MainWidgets& widgets, QWidget* window)
       m_queueAccess(std::make_unique<QueuePlaybackAccess>(*m_queue)), m_nowPlaying(labelsOf(widgets)) {
     m_queue->setKeyboardHook(m_search.get());
     m_starter.setAnnouncements(&m_announcements);
-    m_starter.setJingles(&m_fillMusic);
+    m_starter.setJingles(&m_jinglePlayer);
     attachControls();
     connectControls();
     m_followers = new SettingsFollowers(*this, window);
@@ -57,6 +59,7 @@ void MainParts::attachControls() {
     m_audience.setVideoPlacer([this](bool on, QScreen* screen) {
         m_player.setVideoFullScreen(on, screen ? screen->name() : QString());
     });
+    new JingleButtons(m_jingles, m_w.cmdJingle, this);
 }
 
 void MainParts::connectControls() {
@@ -105,8 +108,12 @@ void MainParts::btnOptions_Click() {
         frmOptions dialog(m_window);
         auto* general = new GeneralOptionsPage;
         dialog.setPageContent(frmOptions::General, general);
+        dialog.setPageContent(frmOptions::Jingles, new JingleOptionsPage(&m_jinglePlayer));
         dialog.setPageContent(frmOptions::SecondScreen, new fraSecondScreen(&m_audience));
-        dialog.setCloseHooks({{}, [general] { general->takeOverDefaultName(); }});
+        dialog.setCloseHooks({{}, [this, general] {
+                                  m_jingles.InitialiseJingles();
+                                  general->takeOverDefaultName();
+                              }});
         m_followers->applyColorScheme();
         dialog.exec();
     }

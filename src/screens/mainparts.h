@@ -4,6 +4,8 @@
 
 #include "audience/nextperformer.h"
 #include "audience/ui/audiencescreen.h"
+#include "jingles/jinglebank.h"
+#include "jingles/jingleplayer.h"
 #include "playback/keycontrol.h"
 #include "playback/modpacemaker.h"
 #include "playback/playbackseams.h"
@@ -42,6 +44,8 @@ public:
     SongStarter& starter() { return m_starter; }
     // The audience window, loaded when touched.
     AudienceScreen& audience() { return m_audience; }
+    JinglePlayer& jinglePlayer() { return m_jinglePlayer; }
+    JingleBank& jingles() { return m_jingles; }
     // The keyboard filter that drives the search box.
     KeyboardHookControl& keyboardHook();
 
@@ -53,12 +57,6 @@ public:
     SettingsFollowers& followers() { return *m_followers; }
 
 private:
-    // Until the fill music stands, a song start finds no fill music playing.
-    struct NoFillMusic : JingleAccess {
-        int playerState() override { return 0; }
-        void stop() override {}
-    };
-
     void attachControls();
     void connectControls();
 
@@ -68,8 +66,10 @@ private:
     std::unique_ptr<QueueController> m_queue;
     std::unique_ptr<QueuePlaybackAccess> m_queueAccess;
     NowPlayingLabels m_nowPlaying;
-    NoFillMusic m_fillMusic;
     WinAMP_Control m_player;
+    // The fill music: its engine serves the song start's JingleAccess.
+    JinglePlayer m_jinglePlayer;
+    JingleBank m_jingles{m_jinglePlayer, m_player};
     modPacemaker m_pacemaker{m_player};
     SongStarter m_starter{m_player, m_pacemaker, *m_queueAccess, m_nowPlaying};
     Transport m_transport{m_player, m_starter, *m_queueAccess, m_nowPlaying};

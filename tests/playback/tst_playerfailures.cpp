@@ -2,9 +2,10 @@
 #include "core/cinifile.h"
 #include "core/globals.h"
 #include "fakeplayback.h"
+#include "jingles/jingleplayer.h"
 #include "playback/cdgnormaliser.h"
 #include "playback/cencryptex.h"
-#include "playback/playerprocess.h"
+#include "playback/mpvinstance.h"
 #include "playback/playerstartup.h"
 #include "playback/winamp_control.h"
 #include "playbackmedia.h"
@@ -38,9 +39,9 @@ bool processGone(qint64 pid) {
 }
 
 // When this executable is started with KV_PLAYER_HELPER set, it is not a test
-// run: it starts a player the way the program does, prints the player's
-// process id and waits to be killed. It runs before main() and touches none
-// of the program's globals.
+// run: it starts the karaoke player and the jingle engine the way the program
+// does, prints their process ids and waits to be killed. It runs before main()
+// and touches none of the program's globals.
 struct PlayerHelperMode {
     PlayerHelperMode() {
         const QByteArray player = qgetenv("KV_PLAYER_HELPER");
@@ -50,10 +51,14 @@ struct PlayerHelperMode {
         char name[] = "player-helper";
         char* argv[] = {name, nullptr};
         QCoreApplication app(argc, argv);
-        PlayerProcess process;
-        if (process.start(QString::fromLocal8Bit(player), {QStringLiteral("--idle=yes")}) < 0)
+        MpvInstance process;
+        if (!process.start(QString::fromLocal8Bit(player), {QStringLiteral("--idle=yes")}))
             ::_exit(3);
-        std::printf("%lld\n", static_cast<long long>(process.processId()));
+        JinglePlayer jingles;
+        if (!jingles.PlayerInit(QString::fromLocal8Bit(player), 0))
+            ::_exit(4);
+        std::printf("%lld %lld\n", static_cast<long long>(process.processId()),
+                    static_cast<long long>(jingles.processId()));
         std::fflush(stdout);
         for (;;)
             ::pause();
@@ -166,7 +171,8 @@ private slots:
 
     // The queue is restored even when no player is set; the player found at
     // start-up is made ready, and ended at shutdown, once.
-    // A program that crashes must not leave its player behind.
+    // A program that crashes must not leave a player behind, neither the
+    // karaoke player nor the jingle engine.
     void playerDiesWithTheProgram() {
         QProcess helper;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -175,11 +181,16 @@ private slots:
         helper.start(QCoreApplication::applicationFilePath(), {});
         QVERIFY(helper.waitForStarted());
         QVERIFY(helper.waitForReadyRead(10000));
-        const qint64 player = helper.readLine().trimmed().toLongLong();
+        const QList<QByteArray> pids = helper.readLine().trimmed().split(' ');
+        QCOMPARE(pids.size(), 2);
+        const qint64 player = pids[0].toLongLong();
+        const qint64 jingles = pids[1].toLongLong();
         QVERIFY(player > 0 && !processGone(player));
+        QVERIFY(jingles > 0 && jingles != player && !processGone(jingles));
         ::kill(pid_t(helper.processId()), SIGKILL);
         QVERIFY(helper.waitForFinished(5000));
         QTRY_VERIFY_WITH_TIMEOUT(processGone(player), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(processGone(jingles), 10000);
     }
 
     void startupAndShutdown() {

@@ -1,19 +1,94 @@
-#include "mpvconnection.h"
+#include "mpvinstance.h"
 
 #include "playback/playersocket.h"
 
 #include <QDeadlineTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QLocalSocket>
+#include <QProcess>
 
-MpvConnection::MpvConnection() = default;
-MpvConnection::~MpvConnection() {
-    close();
+#include <csignal>
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+MpvInstance::MpvInstance() = default;
+MpvInstance::~MpvInstance() {
+    kill();
 }
 
-bool MpvConnection::adoptDescriptor(int fd) {
+// ---------------------------------------------------------------- the process
+
+bool MpvInstance::start(const QString& program, const QStringList& arguments) {
+    kill();
+    int fds[2];
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, fds) != 0)
+        return false;
+    const int ours = fds[0];
+    const int theirs = fds[1];
+    const pid_t parent = ::getpid();
+
+    QStringList args = arguments;
+    if (!m_socketPath.isEmpty())
+        args.append(QStringLiteral("--input-ipc-server=") + m_socketPath);
+    args.append(QStringLiteral("--input-ipc-client=fd://%1").arg(theirs));
+
+    m_process = std::make_unique<QProcess>();
+    m_process->setProgram(program);
+    m_process->setArguments(args);
+    m_process->setStandardInputFile(QProcess::nullDevice());
+    m_process->setStandardOutputFile(QProcess::nullDevice());
+    m_process->setStandardErrorFile(QProcess::nullDevice());
+    // Runs in the child between fork and exec: only async-signal-safe calls.
+    m_process->setChildProcessModifier([theirs, parent] {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != parent)
+            ::_exit(127);            // the program died before the signal was armed
+        ::fcntl(theirs, F_SETFD, 0); // the player's end survives exec
+    });
+    m_process->start();
+    const bool started = m_process->waitForStarted(5000);
+    ::close(theirs);
+    if (!started) {
+        ::close(ours);
+        m_process.reset();
+        return false;
+    }
+    if (!adoptDescriptor(ours)) {
+        ::close(ours);
+        kill();
+        return false;
+    }
+    return true;
+}
+
+qint64 MpvInstance::processId() const {
+    return m_process ? m_process->processId() : 0;
+}
+
+bool MpvInstance::isRunning() const {
+    return m_process && m_process->state() != QProcess::NotRunning;
+}
+
+void MpvInstance::kill() {
+    close();
+    if (!m_process)
+        return;
+    if (m_process->state() != QProcess::NotRunning) {
+        m_process->terminate();
+        if (!m_process->waitForFinished(1500)) {
+            m_process->kill();
+            m_process->waitForFinished(1500);
+        }
+    }
+    m_process.reset();
+}
+
+// ---------------------------------------------------------------- the connection
+
+bool MpvInstance::adoptDescriptor(int fd) {
     close();
     m_stalled = false;
     m_socket = std::make_unique<QLocalSocket>();
@@ -24,7 +99,7 @@ bool MpvConnection::adoptDescriptor(int fd) {
     return true;
 }
 
-bool MpvConnection::connectToPath(const QString& path, int timeoutMs) {
+bool MpvInstance::connectToPath(const QString& path, int timeoutMs) {
     close();
     m_stalled = false;
     // Only a socket of this user's, with a process of this user's behind it.
@@ -40,19 +115,20 @@ bool MpvConnection::connectToPath(const QString& path, int timeoutMs) {
     return true;
 }
 
-void MpvConnection::close() {
+void MpvInstance::close() {
     if (m_socket) {
         m_socket->abort();
         m_socket.reset();
     }
     m_pending.clear();
+    m_events.clear();
 }
 
-bool MpvConnection::isOpen() const {
+bool MpvInstance::isOpen() const {
     return m_socket && m_socket->state() == QLocalSocket::ConnectedState;
 }
 
-void MpvConnection::markUnanswered(const QString& reason) {
+void MpvInstance::markUnanswered(const QString& reason) {
     if (m_stalled)
         return;
     m_stalled = true;
@@ -60,14 +136,14 @@ void MpvConnection::markUnanswered(const QString& reason) {
         m_onStall(reason);
 }
 
-bool MpvConnection::drainArrived() {
+bool MpvInstance::drainArrived() {
     const qsizetype before = m_pending.size();
     if (m_socket->bytesAvailable() > 0 || m_socket->waitForReadyRead(0))
         m_pending += m_socket->readAll();
     return m_pending.size() > before;
 }
 
-MpvConnection::Reply MpvConnection::request(const QJsonValue& command) {
+MpvInstance::Reply MpvInstance::request(const QJsonValue& command) {
     Reply r;
     if (!isOpen()) {
         r.error = QStringLiteral("not connected");
@@ -93,6 +169,7 @@ MpvConnection::Reply MpvConnection::request(const QJsonValue& command) {
     const auto reply = readReply(id, deadline, &r.error);
     if (!reply) {
         markUnanswered(r.error);
+        deliverEvents();
         return r;
     }
     markAnswered();
@@ -100,10 +177,11 @@ MpvConnection::Reply MpvConnection::request(const QJsonValue& command) {
     r.error = obj.value(QStringLiteral("error")).toString();
     r.ok = r.error == QLatin1String("success");
     r.data = obj.value(QStringLiteral("data"));
+    deliverEvents();
     return r;
 }
 
-std::optional<QJsonValue> MpvConnection::readReply(qint64 id, QDeadlineTimer deadline, QString* error) {
+std::optional<QJsonValue> MpvInstance::readReply(qint64 id, QDeadlineTimer deadline, QString* error) {
     for (;;) {
         int nl;
         while ((nl = m_pending.indexOf('\n')) < 0) {
@@ -133,16 +211,19 @@ std::optional<QJsonValue> MpvConnection::readReply(qint64 id, QDeadlineTimer dea
             markAnswered();
             deadline.setRemainingTime(m_timeoutMs);
         }
-        // Events and the replies of requests that timed out earlier are passed over.
-        if (obj.contains(QStringLiteral("event")))
+        if (obj.contains(QStringLiteral("event"))) {
+            if (m_onEvent)
+                m_events.append(obj);
             continue;
+        }
+        // The replies of requests that timed out earlier are passed over.
         if (obj.value(QStringLiteral("request_id")).toInteger(-1) != id)
             continue;
         return QJsonValue(obj);
     }
 }
 
-bool MpvConnection::post(const QJsonValue& command) {
+bool MpvInstance::post(const QJsonValue& command) {
     if (!isOpen())
         return false;
     QJsonObject msg{{QStringLiteral("command"), command}, {QStringLiteral("request_id"), m_nextId++}};
@@ -156,17 +237,53 @@ bool MpvConnection::post(const QJsonValue& command) {
     return true;
 }
 
-MpvConnection::Reply MpvConnection::command(const QVariantList& args) {
+MpvInstance::Reply MpvInstance::command(const QVariantList& args) {
     return request(QJsonArray::fromVariantList(args));
 }
 
-std::optional<QJsonValue> MpvConnection::property(const QString& name) {
+std::optional<QJsonValue> MpvInstance::property(const QString& name) {
     const Reply r = request(QJsonArray{QStringLiteral("get_property"), name});
     if (!r.ok)
         return std::nullopt;
     return r.data;
 }
 
-bool MpvConnection::setProperty(const QString& name, const QJsonValue& value) {
+bool MpvInstance::setProperty(const QString& name, const QJsonValue& value) {
     return request(QJsonArray{QStringLiteral("set_property"), name, value}).ok;
+}
+
+// ---------------------------------------------------------------- events
+
+void MpvInstance::takeEventLines() {
+    for (int nl; (nl = m_pending.indexOf('\n')) >= 0;) {
+        const QJsonDocument doc = QJsonDocument::fromJson(m_pending.left(nl));
+        m_pending.remove(0, nl + 1);
+        if (!doc.isObject())
+            continue;
+        if (m_stalled)
+            markAnswered();
+        if (m_onEvent && doc.object().contains(QStringLiteral("event")))
+            m_events.append(doc.object());
+    }
+}
+
+void MpvInstance::pollEvents() {
+    if (!isOpen() || m_delivering)
+        return;
+    drainArrived();
+    takeEventLines();
+    deliverEvents();
+}
+
+void MpvInstance::deliverEvents() {
+    // A handler that asks the player something meets further events; they
+    // join the list and are handed over by this same loop.
+    if (m_delivering || !m_onEvent)
+        return;
+    m_delivering = true;
+    while (!m_events.isEmpty()) {
+        const QJsonObject event = m_events.takeFirst();
+        m_onEvent(event);
+    }
+    m_delivering = false;
 }

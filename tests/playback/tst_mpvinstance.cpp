@@ -1,4 +1,4 @@
-#include "playback/mpvconnection.h"
+#include "playback/mpvinstance.h"
 #include "testrunner.h"
 
 #include <QElapsedTimer>
@@ -54,7 +54,7 @@ private:
 } // namespace
 
 // The connection's time-outs against a peer whose answers come late.
-class TestMpvConnection : public QObject {
+class TestMpvInstance : public QObject {
     Q_OBJECT
 
 private slots:
@@ -65,12 +65,12 @@ private slots:
     void slowPlayerAfterAStallIsHeardAgain() {
         int fds[2];
         QVERIFY(::socketpair(AF_UNIX, SOCK_STREAM, 0, fds) == 0);
-        MpvConnection conn;
+        MpvInstance conn;
         QVERIFY(conn.adoptDescriptor(fds[0]));
         conn.setTimeout(1000);
         int stalls = 0;
         conn.setStallHandler([&](const QString&) { ++stalls; });
-        const int latency = 3 * MpvConnection::kStalledWaitMs / 2;
+        const int latency = 3 * MpvInstance::kStalledWaitMs / 2;
         ScriptedPeer peer(fds[1], 1300, latency);
         QVERIFY(!conn.property("pause").has_value());
         QVERIFY(conn.isStalled());
@@ -91,5 +91,5 @@ private slots:
     }
 };
 
-KV_TEST_CLASS(TestMpvConnection)
-#include "tst_mpvconnection.moc"
+KV_TEST_CLASS(TestMpvInstance)
+#include "tst_mpvinstance.moc"
