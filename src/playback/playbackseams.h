@@ -45,7 +45,8 @@ public:
 class AnnouncementSink {
 public:
     virtual ~AnnouncementSink() = default;
-    virtual void UpdateNextPerformer() = 0;
+    // `row`: the queue row of the song just started.
+    virtual void UpdateNextPerformer(int row) = 0;
     virtual void ClearNextPerformer() = 0;
 };
 

@@ -163,7 +163,7 @@ bool SongStarter::PlayKaraoke(int row) {
     if (Cfg.ShowNextPerfomer && m_announcements) {
         Guarded(kSource, 15, [&] {
             if (m_queue.rowCount() > 0)
-                m_announcements->UpdateNextPerformer();
+                m_announcements->UpdateNextPerformer(row);
             else
                 m_announcements->ClearNextPerformer();
         });

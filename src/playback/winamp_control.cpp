@@ -442,3 +442,13 @@ void WinAMP_Control::removeAudioFilter(const QString& label) {
         }
     }
 }
+
+bool WinAMP_Control::setVideoFullScreen(bool on, const QString& screenName) {
+    if (!m_connected)
+        return false;
+    if (on && !screenName.isEmpty()) {
+        m_conn.setProperty(QStringLiteral("fs-screen-name"), screenName);
+        m_conn.setProperty(QStringLiteral("screen-name"), screenName);
+    }
+    return m_conn.setProperty(QStringLiteral("fullscreen"), on);
+}

@@ -61,6 +61,10 @@ public:
     bool setAudioFilter(const QString& label, const QString& filter) override;
     void removeAudioFilter(const QString& label) override;
 
+    // The video window full screen on the monitor of that output name (as the
+    // window system names it), or back in its own window. False without a player.
+    bool setVideoFullScreen(bool on, const QString& screenName);
+
     bool isFading() const { return m_fadeTimer.isActive(); }
     // How long the stop with fade-out takes (kFadeMs unless changed).
     void setFadeMs(int ms) { m_fadeTimer.setInterval(std::max(1, ms / kFadeSteps)); }

@@ -61,4 +61,6 @@ void frmMain::InitialiseJingles() {
 void frmMain::SetFormColors() {
     ::SetFormColors(*this, Cfg.ColorScheme);
 }
-void frmMain::setUpSecondScreen() {}
+void frmMain::setUpSecondScreen() {
+    m_parts->audience().showIfWanted();
+}

@@ -4,6 +4,7 @@
 #include "mainparts.h"
 #include "windowplacement.h"
 
+#include "audience/ui/audiencepreview.h"
 #include "catalogue/database.h"
 #include "catalogue/ui/searchcontroller.h"
 #include "catalogue/ui/searchresultslist.h"
@@ -222,6 +223,11 @@ void frmMain::InitialiseStartup() {
             m_parts->player(), [&](const QString& text) { progress(text); },
             [&] { m_parts->queue().RestoreQueue(); });
     });
+    // The video goes to the audience window's monitor when the host asked for that.
+    guarded([&] {
+        if (frmAudience* w = m_parts->audience().loaded())
+            w->applyLyricsPlace();
+    });
     progress(QStringLiteral("Startup Completed"));
     guarded([&] {
         if (m_splash)
@@ -260,16 +266,7 @@ void frmMain::applyWindowPositions() {
 }
 
 void frmMain::showBackgroundPreview() {
-    const QString path = settings::readText(keys::MainImage);
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    const QImage image = FileExists(path) ? reader.read() : QImage();
-    if (image.isNull()) {
-        picPreview->clear();
-        return;
-    }
-    picPreview->setPixmap(
-        QPixmap::fromImage(image.scaled(picPreview->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+    picPreview->showFile(settings::readText(keys::MainImage));
 }
 
 void frmMain::closeEvent(QCloseEvent* e) {
@@ -311,6 +308,7 @@ void frmMain::Form_Unload() {
     guarded([&] { m_parts->queue().SaveQueueColumns(); });
     guarded([&] { m_parts->search().SaveSearchColumns(); });
     guarded([&] { RemoveTempFolder(); });
+    guarded([&] { m_parts->audience().unload(); });
     UnloadAllForms();
     oSettings.reset();
     QCoreApplication::processEvents();

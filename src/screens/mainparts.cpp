@@ -5,6 +5,8 @@
 #include "mainwidgets.h"
 #include "settingsfollowers.h"
 
+#include "audience/ui/audiencepreview.h"
+#include "audience/ui/frasecondscreen.h"
 #include "catalogue/ui/searchcontroller.h"
 #include "history/historyqueue.h"
 #include "history/ui/frmhistory.h"
@@ -18,6 +20,7 @@
 #include <QFrame>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 
 namespace {
 
@@ -55,6 +58,10 @@ void MainParts::attachControls() {
     m_queue->attachClearQueueButton(m_w.btnClearQueue);
     m_queue->attachKamikazeButton(m_w.btnKami);
     m_queue->attachFileButton(m_w.cmdFF);
+    m_w.picPreview->setAudience(&m_audience);
+    m_audience.setVideoPlacer([this](bool on, QScreen* screen) {
+        m_player.setVideoFullScreen(on, screen ? screen->name() : QString());
+    });
     new JingleButtons(m_jingles, m_w.cmdJingle, this);
 }
 
@@ -81,6 +88,8 @@ void MainParts::connectControls() {
     for (int i = 0; i < int(m_w.btnBalance.size()); ++i)
         connect(m_w.btnBalance[i], &QPushButton::clicked, this, [this, i] { m_keys.btnBalance_Click(i); });
 
+    connect(m_w.btnUpdateNP, &QPushButton::clicked, this, [this] { m_announcements.btnUpdateNP_Click(); });
+    connect(m_w.btnClearNP, &QPushButton::clicked, this, [this] { m_announcements.btnClearNP_Click(); });
     connect(m_w.cmdImport, &QPushButton::clicked, this, [this] { cmdImport_Click(); });
     connect(m_w.btnOptions, &QPushButton::clicked, this, [this] { btnOptions_Click(); });
     connect(m_w.btnHistory, &QPushButton::clicked, this, [this] { btnHistory_Click(); });
@@ -104,6 +113,7 @@ void MainParts::btnOptions_Click() {
         auto* general = new GeneralOptionsPage;
         dialog.setPageContent(frmOptions::General, general);
         dialog.setPageContent(frmOptions::Jingles, new JingleOptionsPage(&m_jinglePlayer));
+        dialog.setPageContent(frmOptions::SecondScreen, new fraSecondScreen(&m_audience));
         dialog.setCloseHooks({{}, [this, general] {
                                   m_jingles.InitialiseJingles();
                                   general->takeOverDefaultName();
@@ -111,6 +121,8 @@ void MainParts::btnOptions_Click() {
         m_followers->applyColorScheme();
         dialog.exec();
     }
+    // The audience window shows or goes as the options left ShowSecondScreen.
+    m_audience.showIfWanted();
     m_search->createKeyboardHook();
 }
 

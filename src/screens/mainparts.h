@@ -2,6 +2,8 @@
 
 #include "nowplayinglabels.h"
 
+#include "audience/nextperformer.h"
+#include "audience/ui/audiencescreen.h"
 #include "jingles/jinglebank.h"
 #include "jingles/jingleplayer.h"
 #include "playback/keycontrol.h"
@@ -40,6 +42,8 @@ public:
     Transport& transport() { return m_transport; }
     KeyControl& keys() { return m_keys; }
     SongStarter& starter() { return m_starter; }
+    // The audience window, loaded when touched.
+    AudienceScreen& audience() { return m_audience; }
     JinglePlayer& jinglePlayer() { return m_jinglePlayer; }
     JingleBank& jingles() { return m_jingles; }
     // The keyboard filter that drives the search box.
@@ -55,12 +59,6 @@ public:
     SettingsFollowers& followers() { return *m_followers; }
 
 private:
-    // Until the audience screen stands, a song start announces no one.
-    struct NoAnnouncements : AnnouncementSink {
-        void UpdateNextPerformer() override {}
-        void ClearNextPerformer() override {}
-    };
-
     void attachControls();
     void connectControls();
 
@@ -70,7 +68,6 @@ private:
     std::unique_ptr<QueueController> m_queue;
     std::unique_ptr<QueuePlaybackAccess> m_queueAccess;
     NowPlayingLabels m_nowPlaying;
-    NoAnnouncements m_announcements;
     WinAMP_Control m_player;
     // The fill music: its engine serves the song start's JingleAccess.
     JinglePlayer m_jinglePlayer;
@@ -79,5 +76,7 @@ private:
     SongStarter m_starter{m_player, m_pacemaker, *m_queueAccess, m_nowPlaying};
     Transport m_transport{m_player, m_starter, *m_queueAccess, m_nowPlaying};
     KeyControl m_keys{m_pacemaker, m_player, m_nowPlaying};
+    AudienceScreen m_audience;
+    NextPerformerAnnouncer m_announcements{*m_queueAccess, m_audience};
     SettingsFollowers* m_followers = nullptr;
 };

@@ -3,6 +3,7 @@
 #include "mainlayout.h"
 #include "widgetmakers.h"
 
+#include "audience/ui/audiencepreview.h"
 #include "core/twips.h"
 
 #include <QCheckBox>
@@ -127,9 +128,8 @@ void buildTrackDetails(MainWidgets& w) {
 }
 
 void buildPreview(MainWidgets& w) {
-    w.picPreview = named(new QLabel(w.fraLyrics), "picPreview");
-    w.picPreview->setAlignment(Qt::AlignCenter);
-    w.picPreview->setContextMenuPolicy(Qt::CustomContextMenu);
+    w.picPreview = new AudiencePreview(w.fraLyrics);
+    w.mnuBGImage = w.picPreview->mnuBGImage;
 }
 
 void buildMenus(MainWidgets& w, QWidget* owner) {
@@ -151,7 +151,6 @@ void buildMenus(MainWidgets& w, QWidget* owner) {
         QAction* a = w.mnuSearchOptions->addAction(QString::fromLatin1(caption));
         a->setObjectName(QLatin1String(name));
     }
-    w.mnuBGImage = named(new QMenu(QStringLiteral("BG"), owner), "mnuBGImage");
     w.mnuJingles = named(new QMenu(QStringLiteral("Jingles"), owner), "mnuJingles");
 }
 

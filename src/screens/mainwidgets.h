@@ -2,6 +2,7 @@
 
 #include <array>
 
+class AudiencePreview;
 class QCheckBox;
 class QFrame;
 class QLabel;
@@ -47,7 +48,7 @@ struct MainWidgets {
     QLabel *Label8 = nullptr, *lblPosition = nullptr, *Label6 = nullptr, *lblTotalTime = nullptr;
     QCheckBox *chkAutoPlay = nullptr, *chkDelay = nullptr;
     // The audience picture in small.
-    QLabel* picPreview = nullptr;
+    AudiencePreview* picPreview = nullptr;
     QTimer *tmrUpdateClock = nullptr, *tmrAutoplay = nullptr, *tmrDelay = nullptr, *tmrRestart = nullptr,
            *tmrSearch = nullptr, *tmrTimeOut = nullptr;
     QMenu *mnuSearchOptions = nullptr, *mnuBGImage = nullptr, *mnuJingles = nullptr;

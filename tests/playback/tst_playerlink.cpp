@@ -164,6 +164,15 @@ private slots:
     }
 
     // A key set before the song loads holds for it, and a reset leaves no filter.
+    // The video window full screen on a monitor named by its output, and back.
+    void videoGoesFullScreenOnTheNamedMonitor() {
+        QVERIFY(m_link->setVideoFullScreen(true, QStringLiteral("HDMI-2")));
+        QCOMPARE(prop(*m_link, "fullscreen").toBool(), true);
+        QCOMPARE(prop(*m_link, "fs-screen-name").toString(), QStringLiteral("HDMI-2"));
+        QVERIFY(m_link->setVideoFullScreen(false, QString()));
+        QCOMPARE(prop(*m_link, "fullscreen").toBool(), false);
+    }
+
     void keyFilterReachesThePlayer() {
         modPacemaker pm(*m_link);
         QVERIFY(pm.FindPaceMaker());

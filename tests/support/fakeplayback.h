@@ -114,7 +114,7 @@ public:
 
 struct FakeAnnouncer : AnnouncementSink, Journaled {
     explicit FakeAnnouncer(QStringList& j) : Journaled{j} {}
-    void UpdateNextPerformer() override { log("UpdateNextPerformer"); }
+    void UpdateNextPerformer(int) override { log("UpdateNextPerformer"); }
     void ClearNextPerformer() override { log("ClearNextPerformer"); }
 };
 

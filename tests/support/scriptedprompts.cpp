@@ -52,9 +52,14 @@ QString ScriptedPrompts::chooseFolder(const QString& title, const QString& folde
 }
 std::optional<QColor> ScriptedPrompts::chooseColor(const QColor&) {
     calls.append({QStringLiteral("chooseColor"), {}, {}, 0});
+    // A colour queued with answer() is chosen; anything else cancels.
+    if (!m_answers.isEmpty() && m_answers.head().typeId() == QMetaType::QColor)
+        return m_answers.dequeue().value<QColor>();
     return std::nullopt;
 }
 std::optional<QFont> ScriptedPrompts::chooseFont(const QFont&) {
     calls.append({QStringLiteral("chooseFont"), {}, {}, 0});
+    if (!m_answers.isEmpty() && m_answers.head().typeId() == QMetaType::QFont)
+        return m_answers.dequeue().value<QFont>();
     return std::nullopt;
 }

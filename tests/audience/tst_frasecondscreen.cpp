@@ -1,0 +1,179 @@
+#include "audience/ui/audiencescreen.h"
+#include "audience/ui/frasecondscreen.h"
+#include "audience/ui/vbwscroller.h"
+#include "core/appsettings.h"
+#include "core/cinifile.h"
+#include "core/globals.h"
+#include "core/settings.h"
+#include "scriptedprompts.h"
+#include "testrunner.h"
+#include "workspace.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QTest>
+
+class TestFraSecondScreen : public QObject {
+    Q_OBJECT
+    std::unique_ptr<ScriptedPrompts> m_prompts;
+    std::unique_ptr<TestWorkspace> m_ws;
+
+    static QString setting(const char* name) { return oSettings->GetStringValue("Settings", name, "<none>"); }
+
+private slots:
+    void init() {
+        Cfg = AppSettings{};
+        m_prompts = std::make_unique<ScriptedPrompts>();
+        m_ws = std::make_unique<TestWorkspace>(false);
+    }
+    void cleanup() {
+        m_ws.reset();
+        m_prompts.reset();
+    }
+
+    void loadsWithItsOwnDefaults() {
+        fraSecondScreen page(nullptr);
+        QCOMPARE(page.txtScrollerStartupText->text(), QString("Welcome to our Show"));
+        QCOMPARE(page.txtScroller->text(),
+                 QString("Could %p please make their way to the stage towards the end of this performance"));
+        QCOMPARE(page.spnScrollerSpeed->value(), 3);
+        QVERIFY(page.optScrollerPosition[0]->isChecked());
+        // The options screen's default text colour is white.
+        QCOMPARE(page.lblSampleText->palette().color(QPalette::WindowText), QColor(Qt::white));
+    }
+
+    // Each control writes its setting at once.
+    void checkBoxesWriteAtOnce_data() {
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<QString>("key");
+        QTest::newRow("show second screen") << "chkShowSecondScreen"
+                                            << "ShowSecondScreen";
+        QTest::newRow("enable next performer, spelt as the file has it") << "chkEnableNextPerformer"
+                                                                         << "EnableNextPerfomer";
+        QTest::newRow("next performer position") << "chkNextPerformerPosition"
+                                                 << "NextPerformerPosition";
+    }
+    void checkBoxesWriteAtOnce() {
+        QFETCH(QString, control);
+        QFETCH(QString, key);
+        fraSecondScreen page(nullptr);
+        auto* box = page.findChild<QCheckBox*>(control);
+        QVERIFY(box);
+        const bool was = box->isChecked();
+        box->click();
+        QCOMPARE(setting(key.toLatin1()), was ? QString("0") : QString("1"));
+        box->click();
+        QCOMPARE(setting(key.toLatin1()), was ? QString("1") : QString("0"));
+    }
+
+    void untickingTheScreenUnloadsTheWindow() {
+        AudienceScreen audience;
+        Cfg.ShowSecondScreen = true;
+        audience.show();
+        fraSecondScreen page(&audience);
+        QVERIFY(page.chkShowSecondScreen->isChecked());
+        page.chkShowSecondScreen->click();
+        QVERIFY(!audience.loaded());
+        QVERIFY(!Cfg.ShowSecondScreen);
+        page.chkShowSecondScreen->click();
+        QVERIFY(!audience.loaded()); // it comes at the close of the options, not now
+    }
+
+    void theRunningStripFollows() {
+        AudienceScreen audience;
+        audience.show();
+        frmAudience& w = audience.window();
+        fraSecondScreen page(&audience);
+
+        page.spnScrollerSpeed->setValue(5);
+        QCOMPARE(w.scroller->model().Interval(), 50);
+        QCOMPARE(setting("ScrollerSpeed"), QString("50"));
+
+        page.optScrollerPosition[2]->click();
+        QVERIFY(!w.scroller->isVisible());
+        QCOMPARE(setting("ScrollerPosition"), QString("2"));
+        QCOMPARE(Cfg.ScrollerPosition, 2);
+
+        m_prompts->answer(QColor(0, 0, 255));
+        page.btnAudienceFontColor->click();
+        QCOMPARE(w.scroller->model().ForeColor(), 0xFF0000u); // blue, red in the low byte
+        QCOMPARE(setting("AudienceScrollerFontColor"), QString("16711680"));
+
+        m_prompts->answer(QColor(255, 0, 0));
+        page.btnScrollerBackColor->click();
+        QCOMPARE(w.scroller->model().BackColor(), 0xFFu);
+        QCOMPARE(setting("AudienceScrollerColor"), QString("255"));
+        QCOMPARE(page.lblSampleText->palette().color(QPalette::Window), QColor(255, 0, 0));
+
+        QFont f("DejaVu Sans Mono");
+        f.setPointSize(22);
+        f.setBold(true);
+        m_prompts->answer(f);
+        page.btnFont->click();
+        QCOMPARE(w.scroller->model().measuringFont().family(), QString("DejaVu Sans Mono"));
+        QCOMPARE(w.scroller->model().measuringFont().pointSize(), 22);
+        QCOMPARE(setting("Font"), QString("DejaVu Sans Mono"));
+        QCOMPARE(setting("FontSize"), QString("22"));
+        QCOMPARE(setting("FontBold"), QString("1"));
+    }
+
+    void aCancelledDialogChangesNothing() {
+        fraSecondScreen page(nullptr);
+        const QString font = setting("Font");
+        page.btnFont->click();
+        page.btnAudienceFontColor->click();
+        page.btnScrollerBackColor->click();
+        QCOMPARE(m_prompts->calls.size(), 3);
+        QCOMPARE(setting("Font"), font);
+        QCOMPARE(setting("AudienceScrollerFontColor"), QString("<none>"));
+        QCOMPARE(setting("AudienceScrollerColor"), QString("<none>"));
+    }
+
+    void startupTextWaitsForThePassUnlessImmediate_data() {
+        QTest::addColumn<bool>("immediately");
+        QTest::newRow("waits") << false;
+        QTest::newRow("immediately") << true;
+    }
+    void startupTextWaitsForThePassUnlessImmediate() {
+        QFETCH(bool, immediately);
+        Cfg.UpdateScrollerImmediately = immediately;
+        AudienceScreen audience;
+        frmAudience& w = audience.window();
+        const QString before = w.scroller->text();
+        fraSecondScreen page(&audience);
+        page.txtScrollerStartupText->setText("Tonight: karaoke");
+        page.btnSetStartupText->click();
+        QCOMPARE(w.ScrollerText(), QString("Tonight: karaoke"));
+        QCOMPARE(w.scroller->text(), immediately ? QString("Tonight: karaoke") : before);
+        QCOMPARE(setting("ScrollerStartupText"), QString("Tonight: karaoke"));
+        QCOMPARE(Cfg.ScrollerStartupText, QString("Tonight: karaoke"));
+    }
+
+    void theTemplateIsSaved() {
+        fraSecondScreen page(nullptr);
+        page.txtScroller->setText("Up next: %p (%t)");
+        page.btnSaveScrollerText->click();
+        QCOMPARE(Cfg.ScrollerText, QString("Up next: %p (%t)"));
+        QCOMPARE(setting("ScrollerText"), QString("Up next: %p (%t)"));
+    }
+
+    void resetPutsTheDesignPlaceBack() {
+        AudienceScreen audience;
+        audience.window().move(300, 200);
+        fraSecondScreen page(&audience);
+        page.btnResetScreen->click();
+        QVERIFY(!audience.loaded());
+        QCOMPARE(setting("SecLeft"), QString("0"));
+        QCOMPARE(setting("SecTop"), QString("0"));
+        QCOMPARE(setting("SecState"), QString("0"));
+        QCOMPARE(setting("SecWidth"), QString("10380"));
+        QCOMPARE(setting("SecHeight"), QString("7125"));
+    }
+};
+
+KV_TEST_CLASS(TestFraSecondScreen)
+#include "tst_frasecondscreen.moc"
