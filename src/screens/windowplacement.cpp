@@ -1,5 +1,6 @@
 #include "windowplacement.h"
 
+#include "audience/mmonitors.h"
 #include "core/appsettings.h"
 #include "core/settings.h"
 #include "mainlayout.h"
@@ -51,24 +52,10 @@ void SaveWindowPositions(int left, int top, int state, int width, int height) {
 void EnsureWindowOnDesktop(QWidget* window, bool allowPartlyVisible, bool moveIt) {
     if (!window)
         return;
-    const QRect frame = window->frameGeometry();
-    QScreen* best = nullptr;
-    for (QScreen* s : QGuiApplication::screens()) {
-        const QRect avail = s->availableGeometry();
-        if (allowPartlyVisible ? avail.intersects(frame) : avail.contains(frame))
-            return;
-        if (!best && avail.intersects(frame))
-            best = s;
-    }
-    if (!moveIt)
-        return;
-    if (!best)
-        best = QGuiApplication::primaryScreen();
-    if (!best)
-        return;
-    const QRect avail = best->availableGeometry();
-    QPoint topLeft = frame.topLeft();
-    topLeft.setX(qBound(avail.left(), topLeft.x(), qMax(avail.left(), avail.right() - frame.width() + 1)));
-    topLeft.setY(qBound(avail.top(), topLeft.y(), qMax(avail.top(), avail.bottom() - frame.height() + 1)));
-    window->move(topLeft);
+    // The window may not have its native window yet (it is shown after the
+    // splash): its frame as the widget knows it is checked instead.
+    const MMonitors::Placement p = MMonitors::EnsureWindowOnDesktop(
+        window->frameGeometry(), MMonitors::desktopOf(MMonitors::screenRects()), allowPartlyVisible);
+    if (p.corrected && moveIt)
+        window->move(p.rect.topLeft());
 }
