@@ -16,6 +16,8 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <QSqlDriver>
+#include "sqlerror.h"
+
 #include <QSqlError>
 
 #include <sqlite3.h>
@@ -414,6 +416,6 @@ QSqlQuery ExecuteSql(const QString& sql) {
     QSqlQuery q(db);
     q.setForwardOnly(true);
     if (!q.exec(sql))
-        throw KvError(q.lastError().nativeErrorCode().toInt(), q.lastError().databaseText());
+        RaiseSqlError(q.lastError());
     return q;
 }

@@ -5,6 +5,8 @@
 #include "core/kverror.h"
 #include "queuemodel.h"
 
+#include "catalogue/sqlerror.h"
+
 #include <QSqlError>
 #include <QSqlQuery>
 
@@ -24,7 +26,7 @@ QString notNull(const QString& s) {
 
 void run(QSqlQuery& q) {
     if (!q.exec())
-        throw KvError(q.lastError().nativeErrorCode().toInt(), q.lastError().databaseText());
+        RaiseSqlError(q.lastError());
 }
 
 } // namespace
@@ -55,7 +57,7 @@ bool SaveQueue(const QueueModel& model) {
         if (!insert.prepare(
                 QStringLiteral("INSERT INTO tblQueue (QueuePos, PerformerName, ArtistName, TrackName, "
                                "SongKey, TrackPath) VALUES (?, ?, ?, ?, ?, ?)")))
-            throw KvError(insert.lastError().nativeErrorCode().toInt(), insert.lastError().databaseText());
+            RaiseSqlError(insert.lastError());
         const auto& rows = model.items();
         for (int i = 0; i < rows.size(); ++i) {
             const QueueModel::Row& r = rows.at(i);
@@ -79,4 +81,8 @@ bool SaveQueue(const QueueModel& model) {
         });
     }
     return saved;
+}
+
+void ClearSavedQueue() {
+    ExecuteSql(QStringLiteral("DELETE FROM tblQueue"));
 }

@@ -14,3 +14,6 @@ void RestoreQueue(QueueModel& model);
 // and the new rows are one transaction: after a failure the old snapshot stands.
 // Returns true when the new snapshot is in place.
 bool SaveQueue(const QueueModel& model);
+
+// Removes every saved row. Raises the catalogue's error when the statement fails.
+void ClearSavedQueue();

@@ -64,17 +64,27 @@ QPalette palette(int index) {
 
 QString styleSheet(int index) {
     const ColorSchemeColours& c = colours(index);
+    const QColor alternate = c.field.lightness() > 128 ? c.field.darker(105) : c.field.lighter(115);
+    const QColor disabled = c.buttonText.lightness() > 128 ? c.button.lighter(150) : c.button.darker(150);
+    // Every colour is in the sheet as well as in the palette: a form under a
+    // sheet takes the sheet's colours whatever palette it kept from before.
     return QStringLiteral(
+               "QMainWindow, QDialog, QWidget#mainClient { background-color: %9; }"
+               "QLabel, QCheckBox, QRadioButton, QGroupBox { color: %10; }"
                "QPushButton { background: %1; color: %2; border: 1px solid %3; border-radius: 3px; "
                "padding: 2px 6px; }"
                "QPushButton:hover { border-color: %4; }"
+               "QPushButton:checked { background: %6; color: %4; }"
                "QPushButton:disabled { color: %5; }"
                "QLineEdit, QComboBox, QSpinBox { background: %7; color: %8; border: 1px solid %3; "
                "border-radius: 2px; }"
+               "QTableView, QListView, QTreeView { background-color: %7; alternate-background-color: %11; "
+               "color: %8; selection-background-color: %6; selection-color: %4; }"
+               "QHeaderView { background-color: %6; }"
                "QHeaderView::section { background: %6; color: %4; border: 0; padding: 2px 4px; }")
-        .arg(c.button.name(), c.buttonText.name(), c.border.name(), c.headerText.name(),
-             (c.buttonText.lightness() > 128 ? c.button.lighter(150) : c.button.darker(150)).name(),
-             c.header.name(), c.field.name(), c.fieldText.name());
+        .arg(c.button.name(), c.buttonText.name(), c.border.name(), c.headerText.name(), disabled.name(),
+             c.header.name(), c.field.name(), c.fieldText.name(), c.window.name())
+        .arg(c.windowText.name(), alternate.name());
 }
 
 double contrast(const QColor& a, const QColor& b) {
@@ -85,6 +95,9 @@ double contrast(const QColor& a, const QColor& b) {
 } // namespace colorschemes
 
 void SetFormColors(QWidget& form, int index) {
+    // A form that has a style sheet keeps the palette it had when the sheet
+    // was set: the sheet goes first, so that a change of scheme repaints.
+    form.setStyleSheet(QString());
     form.setPalette(colorschemes::palette(index));
     form.setStyleSheet(colorschemes::styleSheet(index));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "mainwidgets.h"
+
 #include <QMainWindow>
 #include <array>
 #include <memory>
@@ -19,7 +21,7 @@ class WorkingFolderLock;
 // The host's one working screen. It is created first and owns the start-up
 // and the shutdown of the program; its controls carry the names the rest of
 // the program knows them by (each also its objectName()).
-class frmMain : public QMainWindow {
+class frmMain : public QMainWindow, public MainWidgets {
     Q_OBJECT
 public:
     explicit frmMain(QWidget* parent = nullptr);
@@ -39,29 +41,6 @@ public:
     // The search, the queue, the player and the transport behind the controls.
     MainParts& parts() { return *m_parts; }
 
-    // Controls, by frame.
-    QFrame *fraTrackDetails, *fraPlayControl, *fraKeyChange, *fraBalance, *fraKami, *fraMpx, *fraJingles;
-    QFrame *fraSearch, *fraQueue, *fraQueueButtons, *fraOptions, *fraLyrics;
-    QLineEdit* txtSearch;
-    QPushButton *btnSearch, *btnClearSearch, *cmdFF;
-    QTableView* olvSearchResults;
-    QTableView* OsenXPListBox1;
-    std::array<QPushButton*, 5> btnQueueOptions;
-    QPushButton* btnClearQueue;
-    QPushButton *btnUpdateNP, *btnClearNP, *cmdImport, *btnOptions, *btnHistory;
-    QPushButton *btnPlayTrack, *btnStop, *btnPause, *btnRestart;
-    QPushButton *btnKeyDown, *btnKeyReset, *btnKeyUp;
-    std::array<QPushButton*, 3> btnBalance;
-    QPushButton* btnKami;
-    QCheckBox* OseChkVocals;
-    std::array<QPushButton*, 16> cmdJingle;
-    QLabel *Label2, *lblCurrentPerformer, *Label4, *lblCurrentArtist, *Label3, *lblCurrentSong;
-    QLabel *Label8, *lblPosition, *Label6, *lblTotalTime;
-    QCheckBox *chkAutoPlay, *chkDelay;
-    QLabel* picPreview;
-    QTimer *tmrUpdateClock, *tmrAutoplay, *tmrDelay, *tmrRestart, *tmrSearch, *tmrTimeOut;
-    QMenu *mnuSearchOptions, *mnuBGImage, *mnuJingles;
-
 signals:
     // The splash has gone and the window is on screen.
     void ready();
@@ -71,15 +50,12 @@ protected:
     void closeEvent(QCloseEvent* e) override;
 
 private:
-    void buildControls();
-    void buildMenus();
     void InitialiseStartup();
     void SetupSizeLimits();
     void applyWindowPositions();
     void saveWindowPositions();
     void showBackgroundPreview();
     void UnloadAllForms();
-    void layoutToWindow();
     void splashDone();
 
     // Steps that belong to the fill music, the colour schemes and the audience

@@ -1,35 +1,56 @@
 #include "mainparts.h"
 
-#include "frmmain.h"
+#include "frmoptions.h"
+#include "generaloptionspage.h"
+#include "mainwidgets.h"
+#include "settingsfollowers.h"
 
 #include "catalogue/ui/searchcontroller.h"
-#include "core/errorlog.h"
 #include "import/ui/frmimportsongs.h"
 #include "queue/queuemodel.h"
 #include "queue/ui/queuecontroller.h"
 
 #include <QCheckBox>
-#include <QLabel>
 #include <QMenu>
 #include <QPushButton>
-#include <QTableView>
 
-MainParts::MainParts(frmMain& window) : QObject(&window), m_w(window) {
-    m_search = std::make_unique<SearchController>(
-        SearchWidgets{m_w.txtSearch, m_w.btnSearch, m_w.btnClearSearch, m_w.olvSearchResults, m_w.tmrSearch});
-    m_queue = std::make_unique<QueueController>();
+namespace {
+
+NowPlayingLabels::Labels labelsOf(const MainWidgets& w) {
+    return {w.lblCurrentPerformer, w.lblCurrentArtist, w.lblCurrentSong,
+            w.lblTotalTime,        w.lblPosition,      w.btnKeyReset};
+}
+
+} // namespace
+
+MainParts::MainParts(MainWidgets& widgets, QWidget* window)
+    : QObject(window), m_w(widgets), m_window(window),
+      m_search(std::make_unique<SearchController>(
+          SearchWidgets{widgets.txtSearch, widgets.btnSearch, widgets.btnClearSearch,
+                        widgets.olvSearchResults, widgets.tmrSearch})),
+      m_queue(std::make_unique<QueueController>()),
+      m_queueAccess(std::make_unique<QueuePlaybackAccess>(*m_queue)), m_nowPlaying(labelsOf(widgets)) {
+    m_queue->setKeyboardHook(m_search.get());
+    m_starter.setAnnouncements(&m_announcements);
+    m_starter.setJingles(&m_fillMusic);
+    attachControls();
+    connectControls();
+    m_followers = new SettingsFollowers(*this, window);
+}
+
+MainParts::~MainParts() = default;
+
+KeyboardHookControl& MainParts::keyboardHook() {
+    return *m_search;
+}
+
+void MainParts::attachControls() {
     m_queue->attachList(m_w.OsenXPListBox1);
     m_queue->attachQueueButtons({m_w.btnQueueOptions.begin(), m_w.btnQueueOptions.end()});
     m_queue->attachClearQueueButton(m_w.btnClearQueue);
     m_queue->attachKamikazeButton(m_w.btnKami);
     m_queue->attachFileButton(m_w.cmdFF);
-    m_queue->setKeyboardHook(this);
-    m_starter.setAnnouncements(this);
-    m_starter.setJingles(this);
-    connectControls();
 }
-
-MainParts::~MainParts() = default;
 
 void MainParts::connectControls() {
     connect(m_search.get(), &SearchController::addSongRequested, this,
@@ -55,59 +76,29 @@ void MainParts::connectControls() {
         connect(m_w.btnBalance[i], &QPushButton::clicked, this, [this, i] { m_keys.btnBalance_Click(i); });
 
     connect(m_w.cmdImport, &QPushButton::clicked, this, [this] { cmdImport_Click(); });
+    connect(m_w.btnOptions, &QPushButton::clicked, this, [this] { btnOptions_Click(); });
 }
 
 void MainParts::cmdImport_Click() {
-    releaseKeyboardHook();
+    m_search->releaseKeyboardHook();
     {
-        frmImportSongs dialog(&m_w);
+        frmImportSongs dialog(m_window);
         connect(&dialog, &frmImportSongs::queueListClearRequested, this,
                 [this] { m_queue->model()->clearItems(); });
         dialog.exec();
     }
-    createKeyboardHook();
+    m_search->createKeyboardHook();
 }
 
-int MainParts::rowCount() const {
-    return m_queue->rowCount();
-}
-
-SelectedSong MainParts::detailsFromRow(int row) const {
-    const QueueEntryDetails d = m_queue->GetDetailsFromRow(row);
-    return SelectedSong{d.PerformerName, d.TrackPath, d.ArtistName, d.TrackName, d.Key};
-}
-
-int MainParts::selectedRow() const {
-    return m_queue->selectedIndex();
-}
-void MainParts::removeRow(int row) {
-    m_queue->removeRow(row);
-}
-void MainParts::saveQueue() {
-    m_queue->SaveQueue();
-}
-
-void MainParts::showCurrentSong(const QString& performer, const QString& artist, const QString& title) {
-    m_w.lblCurrentPerformer->setText(performer);
-    m_w.lblCurrentArtist->setText(artist);
-    m_w.lblCurrentSong->setText(title);
-}
-
-void MainParts::showClock(const QString& totalTime, const QString& position) {
-    m_w.lblTotalTime->setText(totalTime);
-    m_w.lblPosition->setText(position);
-}
-
-QString MainParts::keyCaption() const {
-    return m_w.btnKeyReset->text();
-}
-void MainParts::setKeyCaption(const QString& caption) {
-    m_w.btnKeyReset->setText(caption);
-}
-
-void MainParts::releaseKeyboardHook() {
+void MainParts::btnOptions_Click() {
     m_search->releaseKeyboardHook();
-}
-void MainParts::createKeyboardHook() {
+    {
+        frmOptions dialog(m_window);
+        auto* general = new GeneralOptionsPage;
+        dialog.setPageContent(frmOptions::General, general);
+        dialog.setCloseHooks({{}, [general] { general->takeOverDefaultName(); }});
+        m_followers->applyColorScheme();
+        dialog.exec();
+    }
     m_search->createKeyboardHook();
 }

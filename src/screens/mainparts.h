@@ -1,5 +1,7 @@
 #pragma once
 
+#include "nowplayinglabels.h"
+
 #include "playback/keycontrol.h"
 #include "playback/modpacemaker.h"
 #include "playback/playbackseams.h"
@@ -7,28 +9,26 @@
 #include "playback/transport.h"
 #include "playback/winamp_control.h"
 #include "queue/keyboardhookcontrol.h"
+#include "queue/ui/queueplaybackaccess.h"
 
 #include <QObject>
 #include <memory>
 
-class frmMain;
+struct MainWidgets;
 class QueueController;
 class SearchController;
+class SettingsFollowers;
+class QWidget;
 
-// The working parts behind the main window: the search, the queue, the player
-// link with the key changer, the song start and the transport. The window
-// hands its controls to them; this object joins them to one another (the
-// queue as playback sees it, the song-on-stage labels, the keyboard filter as
-// the queue's dialogs see it) and to the window's buttons.
-class MainParts : public QObject,
-                  public QueueAccess,
-                  public NowPlayingView,
-                  public KeyboardHookControl,
-                  public AnnouncementSink,
-                  public JingleAccess {
+// The working parts behind the main window, built, joined and owned here:
+// the search, the queue, the player link with the key changer, the song start
+// and the transport. Each seam that playback calls is served by the part that
+// owns that concern; the window's controls are handed to the parts and their
+// events connected to them.
+class MainParts : public QObject {
     Q_OBJECT
 public:
-    explicit MainParts(frmMain& window);
+    MainParts(MainWidgets& widgets, QWidget* window);
     ~MainParts() override;
 
     SearchController& search() { return *m_search; }
@@ -38,40 +38,43 @@ public:
     Transport& transport() { return m_transport; }
     KeyControl& keys() { return m_keys; }
     SongStarter& starter() { return m_starter; }
+    // The keyboard filter that drives the search box.
+    KeyboardHookControl& keyboardHook();
 
     // Opens the import screen, with the keyboard filter released meanwhile.
     void cmdImport_Click();
-
-    // QueueAccess
-    int rowCount() const override;
-    SelectedSong detailsFromRow(int row) const override;
-    int selectedRow() const override;
-    void removeRow(int row) override;
-    void saveQueue() override;
-    // NowPlayingView
-    void showCurrentSong(const QString& performer, const QString& artist, const QString& title) override;
-    void showClock(const QString& totalTime, const QString& position) override;
-    QString keyCaption() const override;
-    void setKeyCaption(const QString& caption) override;
-    // KeyboardHookControl
-    void releaseKeyboardHook() override;
-    void createKeyboardHook() override;
-    // The next-performer strip and the fill music are not on this console yet:
-    // a song start asks them nothing.
-    void UpdateNextPerformer() override {}
-    void ClearNextPerformer() override {}
-    int playerState() override { return 0; }
-    void stop() override {}
+    // Opens the options screen, likewise.
+    void btnOptions_Click();
+    // The changes of settings that take effect at once.
+    SettingsFollowers& followers() { return *m_followers; }
 
 private:
+    // Until the audience screen and the fill music stand, a song start
+    // announces no one and finds no fill music playing.
+    struct NoAnnouncements : AnnouncementSink {
+        void UpdateNextPerformer() override {}
+        void ClearNextPerformer() override {}
+    };
+    struct NoFillMusic : JingleAccess {
+        int playerState() override { return 0; }
+        void stop() override {}
+    };
+
+    void attachControls();
     void connectControls();
 
-    frmMain& m_w;
+    MainWidgets& m_w;
+    QWidget* m_window;
     std::unique_ptr<SearchController> m_search;
     std::unique_ptr<QueueController> m_queue;
+    std::unique_ptr<QueuePlaybackAccess> m_queueAccess;
+    NowPlayingLabels m_nowPlaying;
+    NoAnnouncements m_announcements;
+    NoFillMusic m_fillMusic;
     WinAMP_Control m_player;
     modPacemaker m_pacemaker{m_player};
-    SongStarter m_starter{m_player, m_pacemaker, *this, *this};
-    Transport m_transport{m_player, m_starter, *this, *this};
-    KeyControl m_keys{m_pacemaker, m_player, *this};
+    SongStarter m_starter{m_player, m_pacemaker, *m_queueAccess, m_nowPlaying};
+    Transport m_transport{m_player, m_starter, *m_queueAccess, m_nowPlaying};
+    KeyControl m_keys{m_pacemaker, m_player, m_nowPlaying};
+    SettingsFollowers* m_followers = nullptr;
 };

@@ -1,6 +1,7 @@
 #include "screens/colorschemes.h"
 #include "testrunner.h"
 
+#include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
@@ -68,14 +69,16 @@ private slots:
 
     // What the host sees: the field and the button painted in the scheme.
     void formTakesTheScheme() {
-        QWidget form;
+        QDialog form;
+        form.show();
         auto* layout = new QVBoxLayout(&form);
         auto* button = new QPushButton(&form);
         auto* field = new QLineEdit(&form);
         layout->addWidget(button);
         layout->addWidget(field);
         form.resize(200, 100);
-        for (int scheme : {1, 2}) {
+        // A change of scheme on a form that has one already repaints it whole.
+        for (int scheme : {1, 2, 0}) {
             SetFormColors(form, scheme);
             const auto centre = [](QWidget* w) {
                 const QImage image = w->grab().toImage();
@@ -83,6 +86,7 @@ private slots:
             };
             QCOMPARE(centre(field), colorschemes::colours(scheme).field);
             QCOMPARE(centre(button), colorschemes::colours(scheme).button);
+            QCOMPARE(form.grab().toImage().pixelColor(1, 1), colorschemes::colours(scheme).window);
         }
     }
 };

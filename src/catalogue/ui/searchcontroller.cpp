@@ -8,6 +8,7 @@
 #include "core/errorlog.h"
 #include "core/prompts.h"
 #include "core/settings.h"
+#include "core/ui/headerwidths.h"
 #include "support/ui/keyboardhook.h"
 
 #include <QAbstractButton>
@@ -148,21 +149,15 @@ void SearchController::RetrieveSearchColumns() {
 }
 
 void SearchController::SaveSearchColumns() {
-    try {
-        QList<int> widths;
-        for (int c = 0; c < m_list->columnCount(); ++c)
-            widths << m_list->columnWidth(c);
-        const QString text = SongSearch::joinWidths(widths);
-        if (text.isEmpty())
-            throw std::runtime_error("no columns");
-        settings::writeText(keys::SearchColumns, text);
-    } catch (...) {
-        try {
-            settings::writeText(keys::SearchColumns, SongSearch::kColumnsSaveFallback);
-        } catch (...) {
-            // At shutdown there is no one left to tell.
-        }
-    }
+    headerwidths::saveWidths(
+        keys::SearchColumns,
+        [this] {
+            QList<int> widths;
+            for (int c = 0; c < m_list->columnCount(); ++c)
+                widths << m_list->columnWidth(c);
+            return SongSearch::joinWidths(widths);
+        },
+        SongSearch::kColumnsSaveFallback);
 }
 
 void SearchController::txtSearch_Change() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "queue/keyboardhookcontrol.h"
+
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
@@ -29,7 +31,7 @@ struct SearchWidgets {
 //
 // The settings it acts on are read live from Cfg: InteractiveSearch,
 // IncludeSongPath, ViewAllSongsAtStartup.
-class SearchController : public QObject {
+class SearchController : public QObject, public KeyboardHookControl {
     Q_OBJECT
 public:
     explicit SearchController(const SearchWidgets& widgets, QObject* parent = nullptr);
@@ -61,8 +63,8 @@ public:
 
     // The keyboard hook, made and dropped by the main window: at start-up and
     // exit, and dropped while a dialog that takes text is open.
-    void createKeyboardHook();
-    void releaseKeyboardHook();
+    void createKeyboardHook() override;
+    void releaseKeyboardHook() override;
     KeyboardHook* keyboardHook() const;
 
     // Always 0, the search by file name: nothing changes it.

@@ -1,5 +1,7 @@
 #include "headerwidths.h"
 
+#include "core/settings.h"
+
 #include <QStringList>
 #include <QTableView>
 
@@ -26,6 +28,20 @@ QString widthsText(const QTableView* view) {
     for (int i = 0; i < columns; ++i)
         parts << QString::number(view->isColumnHidden(i) ? 0 : view->columnWidth(i));
     return parts.join(QLatin1Char(';'));
+}
+
+void saveWidths(const SettingKey& key, const std::function<QString()>& measure, const QString& fallback) {
+    try {
+        const QString text = measure();
+        if (text.isEmpty())
+            throw std::runtime_error("no columns");
+        settings::writeText(key, text);
+    } catch (...) {
+        try {
+            settings::writeText(key, fallback);
+        } catch (...) {
+        }
+    }
 }
 
 } // namespace headerwidths

@@ -2,6 +2,9 @@
 
 #include <QList>
 #include <QString>
+#include <functional>
+
+struct SettingKey;
 
 class QTableView;
 
@@ -13,5 +16,10 @@ namespace headerwidths {
 void applyWidths(QTableView* view, const QList<int>& widths);
 // The widths of the view's columns (0 for a hidden one), joined by ";".
 QString widthsText(const QTableView* view);
+
+// Saves a list's widths under `key`: the text `measure` gives, or `fallback`
+// when the list cannot be measured (it raises) or gives nothing. Never raises
+// itself, as it runs at shutdown, when there is no one left to tell.
+void saveWidths(const SettingKey& key, const std::function<QString()>& measure, const QString& fallback);
 
 } // namespace headerwidths

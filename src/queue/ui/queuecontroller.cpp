@@ -32,7 +32,7 @@ struct ButtonFace {
 const ButtonFace kQueueButtons[5] = {
     {"T", "Move the selected song to top of the queue"},
     {"U", "Move the selected song up one in the queue"},
-    {"\u2715", "Removes the selected song from the queue"},
+    {"\u2716", "Removes the selected song from the queue"},
     {"D", "Move the selected song down one in the queue"},
     {"B", "Move the selected song to bottom of the queue"},
 };
@@ -285,7 +285,7 @@ void QueueController::ClearQueue() {
                          Prompts::OkCancel | Prompts::Question, QStringLiteral("Clear Queue"));
     if (answer != Prompts::Ok)
         return;
-    Guarded(kClearSource, 1, [] { ExecuteSql(QStringLiteral("DELETE FROM tblQueue")); });
+    Guarded(kClearSource, 1, [] { ClearSavedQueue(); });
     m_model->clearItems();
 }
 
@@ -330,14 +330,12 @@ void QueueController::ResetQueueColumns() {
 
 void QueueController::SaveQueueColumns() {
     // Runs at shutdown: a failure writes the default widths instead, silently.
-    try {
-        if (!m_list)
-            throw KvError(91, QStringLiteral("The queue list is not there to measure"));
-        settings::writeText(keys::QueueColumns, headerwidths::widthsText(m_list));
-    } catch (...) {
-        try {
-            settings::writeText(keys::QueueColumns, keys::QueueColumns.defaultText());
-        } catch (...) {
-        }
-    }
+    headerwidths::saveWidths(
+        keys::QueueColumns,
+        [this] {
+            if (!m_list)
+                throw KvError(91, QStringLiteral("The queue list is not there to measure"));
+            return headerwidths::widthsText(m_list);
+        },
+        keys::QueueColumns.defaultText());
 }
