@@ -6,6 +6,7 @@
 #include "settingsfollowers.h"
 
 #include "catalogue/ui/searchcontroller.h"
+#include "catalogue/ui/searchoptionsmenu.h"
 #include "import/ui/frmimportsongs.h"
 #include "queue/queuemodel.h"
 #include "queue/ui/queuecontroller.h"
@@ -57,6 +58,7 @@ void MainParts::connectControls() {
             [this](int, qint64 trackId) { m_queue->AddSongToQueue(trackId); });
     connect(m_search.get(), &SearchController::searchOptionsRequested, this,
             [this](const QPoint& at) { m_w.mnuSearchOptions->popup(at); });
+    new SearchOptionsMenu(m_w.mnuSearchOptions, m_search->list(), this);
     connect(m_queue.get(), &QueueController::playRequested, this,
             [this](int row) { m_transport.queueRow_DblClick(row); });
 
