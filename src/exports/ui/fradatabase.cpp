@@ -1,6 +1,7 @@
 #include "fradatabase.h"
 
 #include "catalogue/cataloguestore.h"
+#include "catalogue/database.h"
 #include "core/capplicationpaths.h"
 #include "core/errorlog.h"
 #include "core/globals.h"
@@ -61,7 +62,8 @@ fraDatabase::fraDatabase(QWidget* parent) : QWidget(parent), m_model(new SongLis
 fraDatabase::~fraDatabase() {
     // The list without duplicates left behind by "Show" goes with the screen.
     m_model->clear();
-    DedupList::clear();
+    if (IsDatabaseOpen())
+        DedupList::clear();
 }
 
 void fraDatabase::buildControls() {
