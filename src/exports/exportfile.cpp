@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSqlQuery>
+#include <QStandardPaths>
 #include <QVariant>
 
 namespace {
@@ -26,6 +27,10 @@ QString exportPathIn(const QString& folder, const QString& name, QString* error)
     }
     error->clear();
     return QDir(folder).filePath(name);
+}
+
+QString desktopFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
 }
 
 QString fileNameFromText(const QString& text) {

@@ -13,6 +13,8 @@
 // folder does not exist or is no folder, or when the name could reach outside
 // it (a "/" in it, a NUL, or nothing but dots).
 QString exportPathIn(const QString& folder, const QString& name, QString* error);
+// The folder the song lists go to: the user's desktop.
+QString desktopFolder();
 // A text made fit for a file name: "/" and NUL become "-", so that a singer
 // called "AC/DC" gets a file of their own in the same folder.
 QString fileNameFromText(const QString& text);

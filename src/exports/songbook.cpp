@@ -3,6 +3,7 @@
 #include "catalogue/database.h"
 #include "catalogue/sqlitestatement.h"
 #include "core/errorlog.h"
+#include "exports/exportfile.h"
 
 #include <QFile>
 #include <QSqlDatabase>
@@ -51,6 +52,21 @@ bool flushToDisk(const QString& path) {
 }
 
 } // namespace
+
+QString Songbook::titleProblem(const QString& title) {
+    if (title.contains(QLatin1Char('/')) || title.contains(QStringLiteral("..")) || title.contains(QChar(0)))
+        return QStringLiteral("The songbook title \"%1\" cannot be used: a title must not hold \"/\" or "
+                              "\"..\", as the songbook is saved under its title in the documents folder.")
+            .arg(title);
+    return {};
+}
+
+QString Songbook::pathForTitle(const QString& documents, const QString& title, QString* error) {
+    *error = titleProblem(title);
+    if (!error->isEmpty())
+        return {};
+    return exportPathIn(documents, title + kExtension, error);
+}
 
 QStringList Songbook::schema() {
     return {

@@ -23,6 +23,14 @@ public:
         QString error; // why nothing was written
     };
 
+    // The songbook's path in `documents` for a title typed by the host, used
+    // as typed (blanks kept). A title with a "/" or ".." in it, which could
+    // put the file outside that folder, is refused: an empty path and the
+    // host's message in `error`.
+    static QString pathForTitle(const QString& documents, const QString& title, QString* error);
+    // What is wrong with a title for that, or an empty text.
+    static QString titleProblem(const QString& title);
+
     // The five statements that make the file's tables and indexes.
     static QStringList schema();
     // The one HostDetails row: the address goes in only when `useEmail`.

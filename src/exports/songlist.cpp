@@ -17,13 +17,6 @@ const QString kListColumns = QStringLiteral("SELECT tblKaraokeTracks.ArtistName 
                                             "as Disc, tblKaraokeTracks.TrackNo as TrackNo, "
                                             "tblKaraokeTracks.TrackPath as Location From tblKaraokeTracks");
 
-bool runOnPath(const QString& sqlHead, const QString& trackPath) {
-    if (trackPath.contains(QLatin1Char('\'')))
-        return false;
-    QSqlQuery q(dbConnection());
-    return q.exec(sqlHead + trackPath + QStringLiteral("';"));
-}
-
 } // namespace
 
 QString SongList::statement(Kind kind) {
@@ -39,15 +32,13 @@ QString SongList::statement(Kind kind) {
     return kListColumns + QLatin1Char(';');
 }
 
-bool SongList::RemoveErrorMark(const QString& trackPath) {
-    return runOnPath(QStringLiteral("UPDATE tblKaraokeTracks SET Error = 0 WHERE TrackPath='"), trackPath);
-}
-
-bool SongList::DeleteFromDatabase(const QString& trackPath) {
-    return runOnPath(QStringLiteral("DELETE FROM tblKaraokeTracks WHERE TrackPath='"), trackPath);
-}
-
 bool SongList::write(const QString& sql, const QString& path, QString* error) {
+    if (sql.isEmpty()) {
+        ExportWriter file(path);
+        const bool written = file.open() && file.commit();
+        *error = file.error();
+        return written;
+    }
     SqliteStatement rows(NativeHandle(dbConnection()), sql.toUtf8());
     if (!rows.ok()) {
         *error = rows.error();

@@ -8,6 +8,8 @@
 #include "audience/ui/audiencepreview.h"
 #include "audience/ui/frasecondscreen.h"
 #include "catalogue/ui/searchcontroller.h"
+#include "catalogue/ui/searchoptionsmenu.h"
+#include "exports/ui/fradatabase.h"
 #include "history/historyqueue.h"
 #include "history/ui/frmhistory.h"
 #include "import/ui/frmimportsongs.h"
@@ -70,6 +72,7 @@ void MainParts::connectControls() {
             [this](int, qint64 trackId) { m_queue->AddSongToQueue(trackId); });
     connect(m_search.get(), &SearchController::searchOptionsRequested, this,
             [this](const QPoint& at) { m_w.mnuSearchOptions->popup(at); });
+    new SearchOptionsMenu(m_w.mnuSearchOptions, m_search->list(), this);
     connect(m_queue.get(), &QueueController::playRequested, this,
             [this](int row) { m_transport.queueRow_DblClick(row); });
 
@@ -114,6 +117,7 @@ void MainParts::btnOptions_Click() {
         dialog.setPageContent(frmOptions::General, general);
         dialog.setPageContent(frmOptions::Jingles, new JingleOptionsPage(&m_jinglePlayer));
         dialog.setPageContent(frmOptions::SecondScreen, new fraSecondScreen(&m_audience));
+        dialog.setPageContent(frmOptions::Database, new fraDatabase);
         dialog.setCloseHooks({{}, [this, general] {
                                   m_jingles.InitialiseJingles();
                                   general->takeOverDefaultName();

@@ -180,20 +180,6 @@ private slots:
         QVERIFY(fileBytes(path).startsWith("\"Artist\",\"Track\""));
     }
 
-    void errorMenuRepairs() {
-        TestWorkspace ws;
-        addSongs({{"A", "1", "D", "1", "/s/a.zip", true},
-                  {"B", "2", "D", "1", "/s/b.zip", true},
-                  {"C", "3", "D", "1", "/s/it's.zip", true}});
-        QVERIFY(SongList::RemoveErrorMark("/s/a.zip"));
-        QVERIFY(SongList::DeleteFromDatabase("/s/b.zip"));
-        // A path with an apostrophe changes nothing, whatever follows it.
-        QVERIFY(!SongList::DeleteFromDatabase("/s/it's.zip"));
-        QVERIFY(!SongList::DeleteFromDatabase("x' OR '1'='1"));
-        QCOMPARE(column(dbConnection(), "SELECT TrackPath || ':' || Error FROM tblKaraokeTracks ORDER BY 1"),
-                 (QStringList{"/s/a.zip:0", "/s/it's.zip:-1"}));
-    }
-
     void songValuesReplaceInTurn_data() {
         QTest::addColumn<QStringList>("names");
         QTest::addColumn<QStringList>("expected");

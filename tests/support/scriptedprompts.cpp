@@ -30,8 +30,11 @@ int ScriptedPrompts::msgBox(const QString& text, int style, const QString& title
 }
 
 // The input box and the colour and font choosers are recorded and cancelled.
+// An input box takes the next answer when it is a text, else it is cancelled.
 std::optional<QString> ScriptedPrompts::inputBox(const QString& text, const QString& title, const QString&) {
     calls.append({QStringLiteral("inputBox"), title, text, 0});
+    if (!m_answers.isEmpty() && m_answers.head().typeId() == QMetaType::QString)
+        return m_answers.dequeue().toString();
     return std::nullopt;
 }
 // A file or folder chooser returns the next answer when it is a text, else it is cancelled.

@@ -24,8 +24,8 @@ public:
     ScriptedPrompts();
     ~ScriptedPrompts() override;
 
-    // Queue a button number for the next message box, or a path for the next
-    // file or folder chooser.
+    // Queue a button number for the next message box, or a text for the next
+    // input box or a path for the next file or folder chooser.
     void answer(const QVariant& a) { m_answers.enqueue(a); }
 
     QList<Call> calls;
