@@ -72,3 +72,30 @@ void CatalogueStore::DeleteByPath(const QString& trackPath) {
     ExecuteSql(QStringLiteral("DELETE FROM tblKaraokeTracks WHERE TrackPath='") + trackPath +
                QStringLiteral("';"));
 }
+
+std::optional<CatalogueStore::Song> CatalogueStore::SongById(qint64 id) {
+    QSqlQuery q = ExecuteSql(QStringLiteral("Select * From tblKaraokeTracks Where KaraokeTrackId =") +
+                             QString::number(id) + QLatin1Char(';'));
+    if (!q.next())
+        return std::nullopt;
+    return Song{q.value(1).toString(), q.value(2).toString(), q.value(6).toString()};
+}
+
+QList<qint64> CatalogueStore::KamikazeIds() {
+    QList<qint64> ids;
+    QSqlQuery q = ExecuteSql(QStringLiteral("Select KaraokeTrackId, ArtistName, TrackName, TrackPath From "
+                                            "tblKaraokeTracks Where Kamikaze = -1"));
+    while (q.next())
+        ids.append(q.value(QStringLiteral("KaraokeTrackID")).toLongLong());
+    return ids;
+}
+
+qint64 CatalogueStore::CountTracks() {
+    QSqlQuery q =
+        ExecuteSql(QStringLiteral("SELECT Count(KaraokeTrackID) AS CountOfTracks FROM tblKaraokeTracks;"));
+    return q.next() ? q.value(0).toLongLong() : -1;
+}
+
+void CatalogueStore::DeleteAllTracks() {
+    ExecuteSql(QStringLiteral("Delete From tblKaraokeTracks"));
+}

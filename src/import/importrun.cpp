@@ -1,5 +1,7 @@
 #include "importrun.h"
 
+#include "catalogue/cataloguestore.h"
+
 #include "catalogue/database.h"
 #include "core/errorlog.h"
 #include "core/kverror.h"
@@ -252,8 +254,7 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
 
 qint64 ImportRun::catalogueRows() {
     try {
-        QSqlQuery q = ExecuteSql(QStringLiteral("SELECT count(*) FROM tblKaraokeTracks"));
-        return q.next() ? q.value(0).toLongLong() : -1;
+        return CatalogueStore::CountTracks();
     } catch (const KvError&) {
         return -1;
     }
@@ -262,10 +263,7 @@ qint64 ImportRun::catalogueRows() {
 qint64 ImportRun::RefreshTrackCount() {
     qint64 count = -1;
     try {
-        QSqlQuery q = ExecuteSql(
-            QStringLiteral("SELECT Count(KaraokeTrackID) AS CountOfTracks FROM tblKaraokeTracks;"));
-        if (q.next())
-            count = q.value(0).toLongLong();
+        count = CatalogueStore::CountTracks();
     } catch (const KvError& e) {
         LogErrorEx(kCountSource, e.number(), e.description(), 1);
         return -1;

@@ -1,5 +1,7 @@
 #include "queueadder.h"
 
+#include "catalogue/cataloguestore.h"
+
 #include "catalogue/database.h"
 #include "core/appsettings.h"
 #include "core/errorlog.h"
@@ -76,16 +78,15 @@ void QueueAdder::AddSongToQueue(qint64 trackId) {
 }
 
 void QueueAdder::AddTrackById(qint64 trackId, const QString& performer, qint32 key, qint32) {
-    QSqlQuery q = ExecuteSql(QStringLiteral("Select * From tblKaraokeTracks Where KaraokeTrackId =") +
-                             QString::number(trackId) + QLatin1Char(';'));
-    if (!q.next())
+    const std::optional<CatalogueStore::Song> song = CatalogueStore::SongById(trackId);
+    if (!song)
         throw KvError(3021,
                       QStringLiteral("The catalogue has no song with the id %1; it may have been removed "
                                      "since the search. Search again and add it from the new results.")
                           .arg(trackId));
-    const QString artist = q.value(1).toString();
-    const QString track = q.value(2).toString();
-    const QString path = q.value(6).toString();
+    const QString& artist = song->artist;
+    const QString& track = song->track;
+    const QString& path = song->path;
     m_model.addItem({QString(), performer, artist, track, QString::number(key)}, path);
 }
 
@@ -97,13 +98,7 @@ void QueueAdder::AddTrackToList(const QString& performer, const QString& artist,
 void QueueAdder::LoadKamikazeTrack() {
     QList<qint64> ids;
     qint64 picked = 0;
-    bool ok = Guarded(kKamikazeSource, 1, [&] {
-        QSqlQuery q =
-            ExecuteSql(QStringLiteral("Select KaraokeTrackId, ArtistName, TrackName, TrackPath From "
-                                      "tblKaraokeTracks Where Kamikaze = -1"));
-        while (q.next())
-            ids.append(q.value(QStringLiteral("KaraokeTrackID")).toLongLong());
-    });
+    bool ok = Guarded(kKamikazeSource, 1, [&] { ids = CatalogueStore::KamikazeIds(); });
     if (!ok)
         return;
     if (ids.isEmpty()) {

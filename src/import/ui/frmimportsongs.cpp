@@ -1,5 +1,7 @@
 #include "frmimportsongs.h"
 
+#include "catalogue/cataloguestore.h"
+
 #include "catalogue/database.h"
 #include "core/appsettings.h"
 #include "core/capplicationpaths.h"
@@ -204,7 +206,7 @@ void frmImportSongs::btnClearDatabase_Click() {
                          QStringLiteral("Clear Database")) != Prompts::Ok)
         return;
     const QString source = kFormSource + QStringLiteral(".btnClearDatabase_Click");
-    Guarded(source, 2, [] { ExecuteSql(QStringLiteral("Delete From tblKaraokeTracks")); });
+    Guarded(source, 2, [] { CatalogueStore::DeleteAllTracks(); });
     Guarded(source, 3, [this] { emit queueListClearRequested(); });
     m_run.RefreshTrackCount();
 }
