@@ -345,29 +345,23 @@ void fraDatabase::copySongs(const QString& path, bool useEmail, const QString& e
 }
 
 void fraDatabase::mnuErrorRemoveMark_Click() {
+    onSelectedErrorSong(QStringLiteral("mnuErrorRemoveMark_Click"), &CatalogueStore::RemoveErrorMark);
+}
+
+void fraDatabase::mnuErrorRemove_Click() {
+    onSelectedErrorSong(QStringLiteral("mnuErrorRemove_Click"), &CatalogueStore::DeleteByPath);
+}
+
+void fraDatabase::onSelectedErrorSong(const QString& handler, void (*action)(const QString& trackPath)) {
     const QModelIndexList rows = lvExport->selectionModel()->selectedRows();
     if (rows.isEmpty())
         return;
     const QString location = m_model->cell(rows.first().row(), 4);
     // A failure ends quietly, in the log only; the list stays as it is.
     try {
-        CatalogueStore::RemoveErrorMark(location);
+        action(location);
     } catch (...) {
-        LogErrorQuietly(describeException(std::current_exception()),
-                        kForm + QStringLiteral("mnuErrorRemoveMark_Click"), 1);
-    }
-}
-
-void fraDatabase::mnuErrorRemove_Click() {
-    const QModelIndexList rows = lvExport->selectionModel()->selectedRows();
-    if (rows.isEmpty())
-        return;
-    const QString location = m_model->cell(rows.first().row(), 4);
-    try {
-        CatalogueStore::DeleteByPath(location);
-    } catch (...) {
-        LogErrorQuietly(describeException(std::current_exception()),
-                        kForm + QStringLiteral("mnuErrorRemove_Click"), 1);
+        LogErrorQuietly(describeException(std::current_exception()), kForm + handler, 1);
     }
 }
 

@@ -59,6 +59,8 @@ public:
     void cmdExportForMobile_Click();
     void mnuErrorRemoveMark_Click();
     void mnuErrorRemove_Click();
+    // Runs `action` on the path of the error list's selected song; a failure goes to the log under `handler`.
+    void onSelectedErrorSong(const QString& handler, void (*action)(const QString& trackPath));
 
     // Rebuilds tblDedup from the catalogue, telling its progress.
     void BuildDedupTable();
