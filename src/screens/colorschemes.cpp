@@ -74,6 +74,8 @@ QString styleSheet(int index) {
                "QPushButton { background: %1; color: %2; border: 1px solid %3; border-radius: 3px; "
                "padding: 2px 6px; }"
                "QPushButton:hover { border-color: %4; }"
+               // The fill buttons are narrow: their captions start at the left edge.
+               "QPushButton#cmdJingle { padding: 0px 1px; text-align: left; }"
                "QPushButton:checked { background: %6; color: %4; }"
                "QPushButton:disabled { color: %5; }"
                "QLineEdit, QComboBox, QSpinBox { background: %7; color: %8; border: 1px solid %3; "
