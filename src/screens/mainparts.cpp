@@ -122,7 +122,6 @@ void MainParts::btnOptions_Click() {
                                   m_jingles.InitialiseJingles();
                                   general->takeOverDefaultName();
                               }});
-        m_followers->applyColorScheme();
         dialog.exec();
     }
     // The audience window shows or goes as the options left ShowSecondScreen.
@@ -139,7 +138,6 @@ void MainParts::btnHistory_Click() {
         const QPoint origin = m_window->frameGeometry().topLeft();
         dialog.move(origin.x() + m_w.fraQueue->mapTo(m_window, QPoint()).x(),
                     origin.y() + m_w.fraPlayControl->mapTo(m_window, QPoint()).y());
-        m_followers->applyColorScheme();
         dialog.exec();
     }
     m_search->createKeyboardHook();

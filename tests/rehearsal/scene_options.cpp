@@ -35,7 +35,13 @@ void theHostSetsTheConsoleUp(Show& show) {
     for (const QString& scheme :
          {QStringLiteral("Green"), QStringLiteral("Silver"), QStringLiteral("Blue")}) {
         show.answer(QStringLiteral("Options"), [&](QDialog& d) {
+            const QString before = lookOf(w);
+            show.expect(lookOf(d) == before,
+                        QStringLiteral("the options screen in the scheme of the main window (%1), not %2")
+                            .arg(before, lookOf(d)));
             show.choose(d, QStringLiteral("cboColorSchemes"), scheme);
+            show.expect(lookOf(d) == scheme,
+                        QStringLiteral("the options screen %1 at once, not %2").arg(scheme, lookOf(d)));
             show.expect(lookOf(w) == scheme,
                         QStringLiteral("the main window %1 at once, not %2").arg(scheme, lookOf(w)));
             if (scheme == QStringLiteral("Blue")) {
