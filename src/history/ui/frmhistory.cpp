@@ -1,5 +1,7 @@
 #include "frmhistory.h"
 
+#include "core/ui/dialogbutton.h"
+
 #include "core/errorlog.h"
 #include "core/prompts.h"
 #include "core/settings.h"
@@ -32,14 +34,6 @@ const QString kRemoveSource = frmHistory::kSource + QStringLiteral(".mnuHistoryO
 constexpr int kQueueAllFirstPosition = 11000;
 // Pending events go through every this many imported rows.
 constexpr qint64 kImportEventsEvery = 64;
-
-QPushButton* makeButton(QWidget* parent, const char* name, const QString& caption, const QString& tip) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(QString::fromLatin1(name));
-    b->setToolTip(tip);
-    b->setAutoDefault(false);
-    return b;
-}
 
 } // namespace
 
@@ -76,18 +70,19 @@ void frmHistory::buildControls() {
     olvHistory->setWordWrap(false);
     olvHistory->setMinimumSize(420, 260);
 
-    btnLoad = makeButton(this, "btnLoad", QStringLiteral("Queue All"),
-                         QStringLiteral("Import songs and singer from a previous export"));
-    cmdAddSingleSong = makeButton(
+    btnLoad = makeDialogButton(this, "btnLoad", QStringLiteral("Queue All"),
+                               QStringLiteral("Import songs and singer from a previous export"));
+    cmdAddSingleSong = makeDialogButton(
         this, "cmdAddSingleSong", QStringLiteral("Queue Selected"),
         QStringLiteral("Adds the selected song to the queue (Double clicking the song achieves the same)"));
-    cmdClearHistory = makeButton(this, "cmdClearHistory", QStringLiteral("Clear History"),
-                                 QStringLiteral("Clear all songs from history."));
-    cmdExport = makeButton(this, "cmdExport", QStringLiteral("Export"),
-                           QStringLiteral("Export Songs to the desktop"));
-    cmdImport = makeButton(this, "cmdImport", QStringLiteral("Import"),
-                           QStringLiteral("Import songs and singer from a previous export"));
-    cmdClose = makeButton(this, "cmdClose", QStringLiteral("Close"), QStringLiteral("Close History window"));
+    cmdClearHistory = makeDialogButton(this, "cmdClearHistory", QStringLiteral("Clear History"),
+                                       QStringLiteral("Clear all songs from history."));
+    cmdExport = makeDialogButton(this, "cmdExport", QStringLiteral("Export"),
+                                 QStringLiteral("Export Songs to the desktop"));
+    cmdImport = makeDialogButton(this, "cmdImport", QStringLiteral("Import"),
+                                 QStringLiteral("Import songs and singer from a previous export"));
+    cmdClose =
+        makeDialogButton(this, "cmdClose", QStringLiteral("Close"), QStringLiteral("Close History window"));
 
     mnuHistoryOptions = new QMenu(QStringLiteral("History"), this);
     mnuHistoryOptions->setObjectName(QStringLiteral("mnuHistoryOptions"));

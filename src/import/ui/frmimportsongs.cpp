@@ -1,5 +1,7 @@
 #include "frmimportsongs.h"
 
+#include "core/ui/dialogbutton.h"
+
 #include "catalogue/cataloguestore.h"
 
 #include "catalogue/database.h"
@@ -30,14 +32,6 @@
 namespace {
 
 const QString kFormSource = QStringLiteral("KvApp.frmImportSongs");
-
-QPushButton* makeButton(QWidget* parent, const char* name, const QString& caption, const QString& tip) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(QString::fromLatin1(name));
-    b->setToolTip(tip);
-    b->setAutoDefault(false);
-    return b;
-}
 
 } // namespace
 
@@ -80,16 +74,18 @@ void frmImportSongs::buildControls() {
     chkKamikaze = new QCheckBox(QStringLiteral("Include in Kamikaze"), fraImport);
     chkKamikaze->setObjectName(QStringLiteral("chkKamikaze"));
 
-    btnGetTracks = makeButton(fraImport, "btnGetTracks", QStringLiteral("Find Tracks"),
-                              QStringLiteral("Search for files to import"));
-    btnTransfer = makeButton(fraImport, "btnTransfer", QStringLiteral("Add to search"),
-                             QStringLiteral("Adds the songs to the dastabase to allow search and play."));
-    btnClearDatabase = makeButton(fraImport, "btnClearDatabase", QStringLiteral("Clear Database"),
-                                  QStringLiteral("Clear all songs from main database."));
-    btnOpenFolder = makeButton(fraImport, "btnOpenFolder", QStringLiteral("Open DB Folder"),
-                               QStringLiteral("Opens the folder containing the database."));
-    cmdCompact = makeButton(fraImport, "cmdCompact", QStringLiteral("DB &Optimise"),
-                            QStringLiteral("Optimises the database after removal and reimport of songs"));
+    btnGetTracks = makeDialogButton(fraImport, "btnGetTracks", QStringLiteral("Find Tracks"),
+                                    QStringLiteral("Search for files to import"));
+    btnTransfer =
+        makeDialogButton(fraImport, "btnTransfer", QStringLiteral("Add to search"),
+                         QStringLiteral("Adds the songs to the dastabase to allow search and play."));
+    btnClearDatabase = makeDialogButton(fraImport, "btnClearDatabase", QStringLiteral("Clear Database"),
+                                        QStringLiteral("Clear all songs from main database."));
+    btnOpenFolder = makeDialogButton(fraImport, "btnOpenFolder", QStringLiteral("Open DB Folder"),
+                                     QStringLiteral("Opens the folder containing the database."));
+    cmdCompact =
+        makeDialogButton(fraImport, "cmdCompact", QStringLiteral("DB &Optimise"),
+                         QStringLiteral("Optimises the database after removal and reimport of songs"));
 
     lblImportStatus = new QLabel(fraImport);
     lblImportStatus->setObjectName(QStringLiteral("lblImportStatus"));
