@@ -1,5 +1,6 @@
 #include "database.h"
 
+#include "songindexkeeper.h"
 #include "unicodelike.h"
 
 #include "core/capplicationpaths.h"
@@ -204,6 +205,7 @@ void CloseDatabase() {
     if (!QSqlDatabase::contains(kConnectionName))
         return;
     ++g_generation;
+    SongIndexKeeper::instance().detach();
     {
         QSqlDatabase db = dbConnection();
         db.close();
@@ -267,6 +269,7 @@ bool OpenDatabase(CatalogueUse use) {
         tellCannotOpen(path, failure);
         return false;
     }
+    SongIndexKeeper::instance().attach(NativeHandle(dbConnection()), path);
     return true;
 }
 

@@ -3,8 +3,6 @@
 #include "catalogue/songsearch.h"
 #include "core/kverror.h"
 
-#include <QSqlError>
-
 SearchResultsModel::SearchResultsModel(QObject* parent) : QAbstractTableModel(parent) {}
 
 QStringList SearchResultsModel::captions() {
@@ -15,38 +13,29 @@ QStringList SearchResultsModel::captions() {
 }
 
 void SearchResultsModel::load(const QSqlDatabase& db, const QString& sql) {
+    std::unique_ptr<SongRowSource> source;
+    try {
+        source = std::make_unique<StatementRowSource>(db, sql);
+    } catch (...) {
+        clear();
+        throw;
+    }
+    load(std::move(source));
+}
+
+void SearchResultsModel::load(std::unique_ptr<SongRowSource> source) {
     beginResetModel();
-    m_query = QSqlQuery();
+    m_source = std::move(source);
     m_rows.clear();
     m_shown = 0;
-    m_more = false;
-    QString failure;
-    qint32 number = 0;
-    if (!db.isOpen()) {
-        failure = QStringLiteral("Operation is not allowed when the object is closed.");
-        number = 3704;
-    } else {
-        m_query = QSqlQuery(db);
-        m_query.setForwardOnly(true);
-        if (m_query.exec(sql)) {
-            m_more = true;
-        } else {
-            failure = m_query.lastError().databaseText();
-            if (failure.isEmpty())
-                failure = m_query.lastError().text();
-            number = m_query.lastError().nativeErrorCode().toInt();
-            m_query = QSqlQuery();
-        }
-    }
+    m_more = m_source != nullptr;
     endResetModel();
-    if (!failure.isEmpty())
-        throw KvError(number, failure);
     appendRows(m_blockSize);
 }
 
 void SearchResultsModel::clear() {
     beginResetModel();
-    m_query = QSqlQuery();
+    m_source.reset();
     m_rows.clear();
     m_shown = 0;
     m_more = false;
@@ -57,20 +46,20 @@ void SearchResultsModel::appendRows(qint64 count) {
     if (!m_more)
         return;
     const int first = m_rows.size();
+    qint64 id = 0;
+    CompactRowStore::Texts texts;
     while (count != 0) {
-        if (!m_query.next()) {
-            // The end of the result, or the statement was ended under us (the
-            // connection closed): either way there is nothing more to read.
+        if (!m_source->next(id, texts)) {
             m_more = false;
-            m_query = QSqlQuery();
+            m_source.reset();
             break;
         }
-        m_rows.append(m_query.value(0).toLongLong(),
-                      {m_query.value(1).toString(), m_query.value(2).toString(), m_query.value(3).toString(),
-                       m_query.value(4).toString()});
+        m_rows.append(id, texts);
         if (count > 0)
             --count;
     }
+    if (m_source)
+        m_source->pause();
     if (m_rows.size() > first) {
         beginInsertRows({}, first, m_rows.size() - 1);
         m_shown = m_rows.size();

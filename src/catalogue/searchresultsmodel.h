@@ -1,15 +1,17 @@
 #pragma once
 
 #include "catalogue/compactrowstore.h"
+#include "catalogue/songrowsource.h"
 
 #include <QAbstractTableModel>
 #include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QStringList>
 
+#include <memory>
+
 // The rows of the search results: the track id and four texts of each song a
-// statement returns, read from an open statement on the catalogue block by
-// block as a view scrolls down to them (canFetchMore/fetchMore). Only the rows
+// statement (or the song index) gives, read block by block as a view scrolls
+// down to them (canFetchMore/fetchMore). Only the rows
 // fetched so far are held, packed small, so listing a whole catalogue of a
 // million songs stays cheap until it is scrolled through. The order is the
 // statement's own ("Order By"); the model does not sort.
@@ -20,7 +22,7 @@ class SearchResultsModel : public QAbstractTableModel {
     Q_OBJECT
 public:
     static constexpr int kColumns = 5;
-    static constexpr int kDefaultBlockSize = 256;
+    static constexpr int kDefaultBlockSize = 64;
 
     explicit SearchResultsModel(QObject* parent = nullptr);
 
@@ -28,6 +30,8 @@ public:
     // block. Throws a KvError with the driver's text when the statement fails;
     // the model is then empty.
     void load(const QSqlDatabase& db, const QString& sql);
+    // Replaces the rows with those of `source`, reading its first block.
+    void load(std::unique_ptr<SongRowSource> source);
     // Empties the model and lets go of the statement.
     void clear();
 
@@ -65,7 +69,7 @@ private:
     // Rows are stored before the view is told of them; m_shown is what it knows.
     CompactRowStore m_rows;
     int m_shown = 0;
-    QSqlQuery m_query;
+    std::unique_ptr<SongRowSource> m_source;
     bool m_more = false;
     int m_blockSize = kDefaultBlockSize;
 };

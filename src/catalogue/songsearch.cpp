@@ -71,12 +71,16 @@ QString SongSearch::trimBlanks(const QString& text) {
     return t;
 }
 
-QString SongSearch::filterList(const QString& text, bool includeSongPath) {
+QStringList SongSearch::searchWords(const QString& text) {
     // One pass over double blanks: a run of three leaves two, and so an empty
     // word, whose pattern "%%" every row passes.
     QString words = trimBlanks(text);
     words.replace(QStringLiteral("  "), QStringLiteral(" "));
-    const QStringList parts = words.split(QLatin1Char(' '));
+    return words.split(QLatin1Char(' '));
+}
+
+QString SongSearch::filterList(const QString& text, bool includeSongPath) {
+    const QStringList parts = searchWords(text);
     const QString column = includeSongPath ? QStringLiteral("TrackPath") : QStringLiteral("filename");
 
     QString condition;

@@ -44,6 +44,8 @@ public:
     // The condition of a file-name search: every word must be found in the file
     // name (or the whole path), and songs marked as faulty are left out.
     static QString filterList(const QString& text, bool includeSongPath);
+    // The words of a file-name search, each of which filterList looks for.
+    static QStringList searchWords(const QString& text);
     // The condition for a mode; ByFileName is filterList.
     static QString condition(int mode, const QString& text, bool includeSongPath);
 

@@ -71,3 +71,9 @@ bool SqliteStatement::run() {
     m_failed = rc != SQLITE_DONE;
     return !m_failed;
 }
+
+void SqliteStatement::reset() {
+    if (m_stmt)
+        sqlite3_reset(m_stmt);
+    m_failed = false;
+}

@@ -41,6 +41,9 @@ public:
     // Runs a statement that returns no rows, and makes it ready to run again.
     // False when the database refused it (a constraint, say).
     bool run();
+    // Makes a statement that returned rows ready to run again (the bound
+    // values stay).
+    void reset();
 
 private:
     sqlite3* m_db = nullptr;

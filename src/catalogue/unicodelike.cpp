@@ -1,9 +1,10 @@
 #include "unicodelike.h"
 
-#include "core/wildcardmatch.h"
+#include "likepattern.h"
 
 #include <QChar>
 
+#include <atomic>
 #include <sqlite3.h>
 
 #include <cstring>
@@ -14,57 +15,15 @@
 
 namespace {
 
-// Pattern elements above the last code point stand for the two wildcards.
-constexpr char32_t kAnyRun = 0x110000;
-constexpr char32_t kAnyOne = 0x110001;
-constexpr char32_t kBadByte = 0xFFFD;
+using likepattern::kAnyRun;
+using likepattern::nextCodePoint;
 
-char32_t fold(char32_t c) {
-    if (c < 0x80)
-        return (c >= 'A' && c <= 'Z') ? c + 32 : c;
-    return QChar::toCaseFolded(c);
-}
-
-// Decodes one code point of UTF-8 at `p` (before `end`) and moves past it. A
-// stray or cut byte reads as one replacement character, so that no input can
-// stop the scan.
-char32_t nextCodePoint(const unsigned char*& p, const unsigned char* end) {
-    const unsigned char lead = *p++;
-    if (lead < 0x80)
-        return lead;
-    int extra = 0;
-    char32_t c = 0;
-    if ((lead & 0xE0) == 0xC0) {
-        extra = 1;
-        c = lead & 0x1F;
-    } else if ((lead & 0xF0) == 0xE0) {
-        extra = 2;
-        c = lead & 0x0F;
-    } else if ((lead & 0xF8) == 0xF0) {
-        extra = 3;
-        c = lead & 0x07;
-    } else {
-        return kBadByte;
-    }
-    for (int i = 0; i < extra; ++i) {
-        if (p == end || (*p & 0xC0) != 0x80)
-            return kBadByte;
-        c = (c << 6) | (*p++ & 0x3F);
-    }
-    return c;
-}
-
-// The folded code points of a text, into a buffer kept between rows.
-void foldText(const unsigned char* p, int bytes, std::vector<char32_t>& out) {
-    out.clear();
-    const unsigned char* end = p + bytes;
-    while (p < end)
-        out.push_back(fold(nextCodePoint(p, end)));
-}
+std::atomic<bool> g_accentBlind{false};
 
 // A pattern compiled once per statement: folded literals and wildcards.
 struct CompiledPattern {
     std::vector<char32_t> elements;
+    bool accentBlind = false;
     bool hasEscape = false;
     char32_t escape = 0;
     bool neverMatches = false;
@@ -191,39 +150,18 @@ int plainMatch(const CompiledPattern& c, const unsigned char* p, int bytes) {
     return hasNonAscii(p, bytes) ? -1 : 0;
 }
 
-CompiledPattern compile(const unsigned char* p, int bytes, char32_t escape, bool hasEscape) {
+CompiledPattern compile(const unsigned char* p, int bytes, char32_t escape, bool hasEscape,
+                        bool accentBlind) {
     CompiledPattern out;
     out.hasEscape = hasEscape;
     out.escape = escape;
-    const unsigned char* end = p + bytes;
-    while (p < end) {
-        const char32_t c = nextCodePoint(p, end);
-        if (hasEscape && c == escape) {
-            // An escape as the pattern's last character escapes nothing: as
-            // with SQLite's own LIKE, no text matches such a pattern.
-            if (p == end) {
-                out.neverMatches = true;
-                return out;
-            }
-            out.elements.push_back(fold(nextCodePoint(p, end)));
-        } else if (c == U'%') {
-            // Runs of "%" match as one.
-            if (out.elements.empty() || out.elements.back() != kAnyRun)
-                out.elements.push_back(kAnyRun);
-        } else if (c == U'_') {
-            out.elements.push_back(kAnyOne);
-        } else {
-            out.elements.push_back(fold(c));
-        }
-    }
-    notePlainShape(out);
+    out.accentBlind = accentBlind;
+    likepattern::Pattern compiled = likepattern::compile(p, bytes, accentBlind, escape, hasEscape);
+    out.neverMatches = compiled.neverMatches;
+    out.elements = std::move(compiled.elements);
+    if (!out.neverMatches)
+        notePlainShape(out);
     return out;
-}
-
-bool matches(const std::vector<char32_t>& pattern, const std::vector<char32_t>& text) {
-    return WildcardMatch(
-        pattern, text, [](char32_t c) { return c == kAnyRun; },
-        [](char32_t p, char32_t t) { return p == kAnyOne || p == t; });
 }
 
 void deleteCompiled(void* p) {
@@ -255,8 +193,9 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     // The pattern is the same for every row of a search: it is compiled for
     // the first row and kept by SQLite for the others. SQLite may drop what it
     // is given to keep at once, so it is handed over after the last use.
+    const bool accentBlind = g_accentBlind.load(std::memory_order_relaxed);
     const auto* kept = static_cast<const CompiledPattern*>(sqlite3_get_auxdata(ctx, 0));
-    if (kept && (kept->hasEscape != hasEscape || kept->escape != escape))
+    if (kept && (kept->hasEscape != hasEscape || kept->escape != escape || kept->accentBlind != accentBlind))
         kept = nullptr;
     std::unique_ptr<CompiledPattern> fresh;
     if (!kept) {
@@ -267,7 +206,8 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
             sqlite3_result_error(ctx, "LIKE or GLOB pattern too complex", -1);
             return;
         }
-        fresh = std::make_unique<CompiledPattern>(compile(patternText, patternBytes, escape, hasEscape));
+        fresh = std::make_unique<CompiledPattern>(
+            compile(patternText, patternBytes, escape, hasEscape, accentBlind));
     }
     const CompiledPattern& pattern = kept ? *kept : *fresh;
     const unsigned char* textBytes = sqlite3_value_text(argv[1]);
@@ -277,10 +217,14 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     int result = pattern.neverMatches ? 0
                  : pattern.plainAscii ? plainMatch(pattern, textBytes, textLength)
                                       : -1;
+    // Ignoring accents, any letter beyond ASCII may stand for an ASCII one:
+    // only a match is sure without the general compare.
+    if (result == 0 && accentBlind && hasNonAscii(textBytes, textLength))
+        result = -1;
     if (result < 0) {
         thread_local std::vector<char32_t> text;
-        foldText(textBytes, textLength, text);
-        result = matches(pattern.elements, text) ? 1 : 0;
+        likepattern::foldText(textBytes, textLength, accentBlind, text);
+        result = likepattern::matches(pattern.elements, text) ? 1 : 0;
     }
     sqlite3_result_int(ctx, result);
     if (fresh)
@@ -297,4 +241,12 @@ bool InstallUnicodeLike(sqlite3* db) {
                                       nullptr) == SQLITE_OK &&
            sqlite3_create_function_v2(db, "like", 3, kFlags, nullptr, likeFunction, nullptr, nullptr,
                                       nullptr) == SQLITE_OK;
+}
+
+void SetAccentBlindLike(bool on) {
+    g_accentBlind.store(on, std::memory_order_relaxed);
+}
+
+bool AccentBlindLike() {
+    return g_accentBlind.load(std::memory_order_relaxed);
 }

@@ -2,6 +2,7 @@
 
 #include "catalogue/database.h"
 #include "catalogue/searchresultsmodel.h"
+#include "catalogue/songrowsource.h"
 #include "catalogue/songsearch.h"
 #include "catalogue/ui/searchresultslist.h"
 #include "core/appsettings.h"
@@ -103,14 +104,25 @@ void SearchController::FilterIt() {
     });
     const QString sql = SongSearch::filterSql(condition);
     Guarded(kFilterIt, 5, [&] { m_list->setUpdateHold(true); });
-    loadList(sql, kFilterIt, 6);
+    // A search of the file names is answered by the song index when it is in
+    // step with the catalogue; the rows and their order are the statement's.
+    std::unique_ptr<SongRowSource> indexed;
+    if (m_searchMode == SongSearch::ByFileName && !Cfg.IncludeSongPath)
+        indexed = IndexedSearch(dbConnection(), SongSearch::searchWords(text));
+    if (indexed)
+        m_list->loadFromSource(std::move(indexed));
+    else
+        loadList(sql, kFilterIt, 6);
     Guarded(kFilterIt, 7, [&] { m_list->setColumnWidth(0, 0); });
     Guarded(kFilterIt, 8, [&] { m_list->setUpdateHold(false); });
 }
 
 void SearchController::LoadAllSongs() {
     Guarded(kLoadAllSongs, 1, [&] { m_list->setUpdateHold(true); });
-    loadList(SongSearch::loadAllSql(), kLoadAllSongs, 2);
+    if (std::unique_ptr<SongRowSource> indexed = IndexedListing(dbConnection()))
+        m_list->loadFromSource(std::move(indexed));
+    else
+        loadList(SongSearch::loadAllSql(), kLoadAllSongs, 2);
     Guarded(kLoadAllSongs, 3, [&] { m_list->setColumnWidth(0, 0); });
     Guarded(kLoadAllSongs, 4, [&] { m_list->setUpdateHold(false); });
 }

@@ -6,6 +6,7 @@
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QScopeGuard>
 #include <QTableView>
 
 SearchResultsList::SearchResultsList(QTableView* view, QObject* parent)
@@ -27,19 +28,23 @@ SearchResultsList::SearchResultsList(QTableView* view, QObject* parent)
 }
 
 void SearchResultsList::loadFromSql(const QSqlDatabase& db, const QString& sql) {
+    keepingWidths([&] { m_model->load(db, sql); });
+}
+
+void SearchResultsList::loadFromSource(std::unique_ptr<SongRowSource> source) {
+    keepingWidths([&] { m_model->load(std::move(source)); });
+}
+
+void SearchResultsList::keepingWidths(const std::function<void()>& load) {
     // Keep the widths across the reset, which may lay the header out afresh.
     QList<int> widths;
     for (int c = 0; c < columnCount(); ++c)
         widths << columnWidth(c);
-    try {
-        m_model->load(db, sql);
-    } catch (...) {
+    const auto restore = qScopeGuard([&] {
         for (int c = 0; c < widths.size(); ++c)
             m_view->setColumnWidth(c, widths[c]);
-        throw;
-    }
-    for (int c = 0; c < widths.size(); ++c)
-        m_view->setColumnWidth(c, widths[c]);
+    });
+    load();
 }
 
 void SearchResultsList::clear() {

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <functional>
+#include <memory>
+
 #include <QObject>
 #include <QPointer>
 #include <QSqlDatabase>
 
 class QTableView;
 class SearchResultsModel;
+class SongRowSource;
 
 // The results list of the search around the table view that the main window
 // owns: loads itself from a statement, keeps the hidden id column, per-column
@@ -23,6 +27,8 @@ public:
     // Replaces the rows with the result of `sql`; throws a KvError when the
     // statement fails (the list is then empty).
     void loadFromSql(const QSqlDatabase& db, const QString& sql);
+    // Replaces the rows with those of `source`.
+    void loadFromSource(std::unique_ptr<SongRowSource> source);
     void clear();
     int rowCount() const;
 
@@ -45,6 +51,7 @@ public:
     qint64 trackIdAt(int row) const;
 
 private:
+    void keepingWidths(const std::function<void()>& load);
     QPointer<QTableView> m_view;
     SearchResultsModel* m_model;
     bool m_hold = false;

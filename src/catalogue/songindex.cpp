@@ -1,0 +1,361 @@
+#include "songindex.h"
+
+#include "likepattern.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+// The order and the columns of the typed search's statement: the same sort on
+// the same column gives the same order, ties included.
+constexpr const char* kReadAll =
+    "Select KaraokeTrackID, FileName, (Error = 0) From tblKaraokeTracks Order By ArtistName";
+
+// SQLite's default cap on a LIKE pattern's length, in bytes.
+constexpr size_t kLongestPattern = 50000;
+
+} // namespace
+
+size_t FindBytes(std::string_view text, std::string_view needle, size_t from) {
+    const size_t n = text.size();
+    const size_t k = needle.size();
+    if (k == 0 || from > n || n - from < k)
+        return std::string_view::npos;
+    const char* s = text.data();
+    if (k == 1) {
+        const void* at = std::memchr(s + from, needle[0], n - from);
+        return at ? size_t(static_cast<const char*>(at) - s) : std::string_view::npos;
+    }
+    size_t i = from;
+#if defined(__SSE2__)
+    const __m128i first = _mm_set1_epi8(needle[0]);
+    const __m128i last = _mm_set1_epi8(needle[k - 1]);
+    for (; i + 16 + k - 1 <= n; i += 16) {
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + k - 1));
+        unsigned mask =
+            unsigned(_mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, last))));
+        while (mask) {
+            const unsigned bit = unsigned(__builtin_ctz(mask));
+            if (std::memcmp(s + i + bit + 1, needle.data() + 1, k - 2) == 0)
+                return i + bit;
+            mask &= mask - 1;
+        }
+    }
+#endif
+    for (; i + k <= n; ++i)
+        if (s[i] == needle[0] && std::memcmp(s + i, needle.data(), k) == 0)
+            return i;
+    return std::string_view::npos;
+}
+
+namespace {
+
+// One song as the catalogue's scan gives it, before the sort.
+struct ScannedRow {
+    qint64 id;
+    uint32_t artistAt; // into the artists' block; kNoArtist for NULL
+    uint32_t artistLength;
+    uint32_t nameAt; // into the names' block
+    uint32_t nameLength;
+    bool shown;
+};
+constexpr uint32_t kNoArtist = 0xFFFFFFFFu;
+constexpr size_t kMostBytes = 0xFFFF0000u; // what the 32-bit offsets can hold
+
+// The artist in the form the column's NOCASE collation compares: ASCII
+// capitals made small, every other byte as it is.
+void appendNoCase(const unsigned char* p, int bytes, std::string& out) {
+    for (int i = 0; i < bytes; ++i) {
+        const unsigned char b = p[i];
+        out.push_back(char((b >= 'A' && b <= 'Z') ? b + 32 : b));
+    }
+}
+
+} // namespace
+
+std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
+                                                  const std::atomic<bool>* stop, QString* error) {
+    // The rows in the table's own order, the fastest read there is; the
+    // statement's order is then made here: "Order By ArtistName" sorts by the
+    // column's NOCASE collation, NULL first, and leaves rows of equal artists
+    // in the order the table gave them.
+    sqlite3_stmt* stmt = nullptr;
+    auto fail = [&](const QString& why) -> std::shared_ptr<const SongIndex> {
+        if (error)
+            *error = why;
+        sqlite3_finalize(stmt);
+        return nullptr;
+    };
+    if (sqlite3_prepare_v2(db,
+                           "Select KaraokeTrackID, ArtistName, FileName, (Error = 0), typeof(ArtistName) "
+                           "From tblKaraokeTracks",
+                           -1, &stmt, nullptr) != SQLITE_OK)
+        return fail(QString::fromUtf8(sqlite3_errmsg(db)));
+    std::vector<ScannedRow> rows;
+    std::string artists;
+    std::string names;
+    int rc = SQLITE_ROW;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+        if (stop && (rows.size() & 0xFFF) == 0 && stop->load(std::memory_order_relaxed))
+            return fail(QStringLiteral("stopped"));
+        ScannedRow r{sqlite3_column_int64(stmt, 0), kNoArtist, 0, uint32_t(names.size()), 0, false};
+        const int artistType = sqlite3_column_type(stmt, 1);
+        if (artistType == SQLITE_TEXT) {
+            const auto* a = sqlite3_column_text(stmt, 1);
+            r.artistAt = uint32_t(artists.size());
+            r.artistLength = uint32_t(sqlite3_column_bytes(stmt, 1));
+            appendNoCase(a, int(r.artistLength), artists);
+        } else if (artistType != SQLITE_NULL) {
+            // Numbers and blobs sort by rules of their own: leave the order
+            // to the statement itself.
+            sqlite3_finalize(stmt);
+            stmt = nullptr;
+            return buildInStatementOrder(db, accentBlind, stop, error);
+        }
+        r.shown = sqlite3_column_type(stmt, 2) != SQLITE_NULL && sqlite3_column_int(stmt, 3) == 1;
+        if (r.shown) {
+            const auto* name = sqlite3_column_text(stmt, 2);
+            likepattern::foldTextUtf8(name ? name : reinterpret_cast<const unsigned char*>(""),
+                                      sqlite3_column_bytes(stmt, 2), accentBlind, names);
+            r.nameLength = uint32_t(names.size() - r.nameAt);
+        }
+        if (names.size() + rows.size() > kMostBytes || artists.size() > kMostBytes)
+            return fail(QStringLiteral("the catalogue's names are too many to hold"));
+        rows.push_back(r);
+    }
+    if (rc != SQLITE_DONE)
+        return fail(QString::fromUtf8(sqlite3_errmsg(db)));
+    sqlite3_finalize(stmt);
+    stmt = nullptr;
+
+    std::vector<uint32_t> order(rows.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        order[i] = uint32_t(i);
+    const std::string_view artistBlock(artists);
+    std::stable_sort(order.begin(), order.end(), [&](uint32_t a, uint32_t b) {
+        const ScannedRow& x = rows[a];
+        const ScannedRow& y = rows[b];
+        if (x.artistAt == kNoArtist || y.artistAt == kNoArtist)
+            return x.artistAt == kNoArtist && y.artistAt != kNoArtist;
+        return artistBlock.substr(x.artistAt, x.artistLength) <
+               artistBlock.substr(y.artistAt, y.artistLength);
+    });
+    if (stop && stop->load(std::memory_order_relaxed))
+        return fail(QStringLiteral("stopped"));
+
+    auto index = std::make_shared<SongIndex>();
+    index->m_accentBlind = accentBlind;
+    index->m_ids.reserve(rows.size());
+    index->m_starts.reserve(rows.size() + 1);
+    index->m_searchable.reserve(rows.size());
+    index->m_text.reserve(names.size() + rows.size());
+    for (const uint32_t i : order) {
+        const ScannedRow& r = rows[i];
+        index->m_ids.push_back(r.id);
+        index->m_starts.push_back(uint32_t(index->m_text.size()));
+        index->m_searchable.push_back(r.shown ? 1 : 0);
+        index->m_text.append(names, r.nameAt, r.nameLength);
+        index->m_text.push_back(char(0xFF));
+        index->m_longest = std::max<size_t>(index->m_longest, r.nameLength);
+    }
+    index->m_starts.push_back(uint32_t(index->m_text.size()));
+    return index;
+}
+
+std::shared_ptr<const SongIndex> SongIndex::buildInStatementOrder(sqlite3* db, bool accentBlind,
+                                                                  const std::atomic<bool>* stop,
+                                                                  QString* error) {
+    auto index = std::make_shared<SongIndex>();
+    index->m_accentBlind = accentBlind;
+    sqlite3_stmt* stmt = nullptr;
+    if (sqlite3_prepare_v2(db, kReadAll, -1, &stmt, nullptr) != SQLITE_OK) {
+        if (error)
+            *error = QString::fromUtf8(sqlite3_errmsg(db));
+        sqlite3_finalize(stmt);
+        return nullptr;
+    }
+    int rc = SQLITE_ROW;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+        if (stop && (index->m_ids.size() & 0xFFF) == 0 && stop->load(std::memory_order_relaxed)) {
+            sqlite3_finalize(stmt);
+            return nullptr;
+        }
+        index->m_ids.push_back(sqlite3_column_int64(stmt, 0));
+        index->m_starts.push_back(uint32_t(index->m_text.size()));
+        const bool shown = sqlite3_column_type(stmt, 1) != SQLITE_NULL && sqlite3_column_int(stmt, 2) == 1;
+        index->m_searchable.push_back(shown ? 1 : 0);
+        if (shown) {
+            const auto* name = sqlite3_column_text(stmt, 1);
+            const size_t before = index->m_text.size();
+            likepattern::foldTextUtf8(name ? name : reinterpret_cast<const unsigned char*>(""),
+                                      sqlite3_column_bytes(stmt, 1), accentBlind, index->m_text);
+            index->m_longest = std::max(index->m_longest, index->m_text.size() - before);
+        }
+        index->m_text.push_back(char(0xFF));
+        if (index->m_text.size() > kMostBytes) {
+            rc = SQLITE_TOOBIG;
+            break;
+        }
+    }
+    sqlite3_finalize(stmt);
+    if (rc != SQLITE_DONE) {
+        if (error)
+            *error = rc == SQLITE_TOOBIG ? QStringLiteral("the catalogue's names are too many to hold")
+                                         : QString::fromUtf8(sqlite3_errmsg(db));
+        return nullptr;
+    }
+    index->m_starts.push_back(uint32_t(index->m_text.size()));
+    index->m_ids.shrink_to_fit();
+    index->m_starts.shrink_to_fit();
+    index->m_searchable.shrink_to_fit();
+    index->m_text.shrink_to_fit();
+    return index;
+}
+
+qsizetype SongIndex::rowAt(size_t offset) const {
+    const auto after = std::upper_bound(m_starts.begin(), m_starts.end() - 1, uint32_t(offset));
+    return qsizetype(after - m_starts.begin()) - 1;
+}
+
+qint64 SongIndex::bytesHeld() const {
+    return qint64(m_ids.capacity() * sizeof(qint64) + m_starts.capacity() * sizeof(uint32_t) +
+                  m_searchable.capacity() + m_text.capacity());
+}
+
+IndexQuery::IndexQuery(const QStringList& words, bool accentBlind) : m_accentBlind(accentBlind) {
+    for (const QString& word : words) {
+        // A NUL would end the statement's text, and a stray half of a
+        // surrogate pair has no UTF-8 form to compare.
+        for (qsizetype i = 0; i < word.size(); ++i) {
+            const QChar c = word[i];
+            if (c.isHighSurrogate() && i + 1 < word.size() && word[i + 1].isLowSurrogate())
+                ++i;
+            else if (c.isNull() || c.isSurrogate())
+                m_usable = false;
+        }
+        const QByteArray pattern = QByteArrayLiteral("%") + word.toUtf8() + QByteArrayLiteral("%");
+        if (size_t(pattern.size()) > kLongestPattern)
+            m_usable = false;
+        if (!m_usable)
+            return;
+        Word w;
+        w.elements = likepattern::compile(reinterpret_cast<const unsigned char*>(pattern.constData()),
+                                          int(pattern.size()), accentBlind)
+                         .elements;
+        // Every element that is not "%" takes at least a byte of the name.
+        size_t shortest = 0;
+        std::string run;
+        auto closeRun = [&] {
+            if (run.size() > m_anchor.size())
+                m_anchor = run;
+            run.clear();
+        };
+        bool onlyLetters = true;
+        for (size_t i = 0; i < w.elements.size(); ++i) {
+            const char32_t e = w.elements[i];
+            if (e == likepattern::kAnyRun) {
+                closeRun();
+                if (i != 0 && i + 1 != w.elements.size())
+                    onlyLetters = false;
+                continue;
+            }
+            ++shortest;
+            if (e == likepattern::kAnyOne) {
+                closeRun();
+                onlyLetters = false;
+                continue;
+            }
+            likepattern::appendUtf8(e, run);
+        }
+        // The run in hand is the word's literal when the word holds no wildcard.
+        const bool plain = onlyLetters && !w.elements.empty() && w.elements.front() == likepattern::kAnyRun &&
+                           w.elements.back() == likepattern::kAnyRun;
+        if (plain) {
+            for (size_t i = 1; i + 1 < w.elements.size(); ++i)
+                likepattern::appendUtf8(w.elements[i], w.literal);
+            w.plain = true;
+        }
+        closeRun();
+        m_shortest = std::max(m_shortest, shortest);
+        m_words.push_back(std::move(w));
+    }
+}
+
+bool IndexQuery::matches(std::string_view folded) const {
+    if (folded.size() < m_shortest)
+        return false;
+    thread_local std::vector<char32_t> characters;
+    bool decoded = false;
+    for (const Word& w : m_words) {
+        if (w.plain) {
+            if (!w.literal.empty() && folded.find(w.literal) == std::string_view::npos)
+                return false;
+            continue;
+        }
+        if (!decoded) {
+            // The name is folded already: only decode it.
+            characters.clear();
+            const auto* p = reinterpret_cast<const unsigned char*>(folded.data());
+            const unsigned char* end = p + folded.size();
+            while (p < end)
+                characters.push_back(likepattern::nextCodePoint(p, end));
+            decoded = true;
+        }
+        if (!likepattern::matches(w.elements, characters))
+            return false;
+    }
+    return true;
+}
+
+IndexScan::IndexScan(std::shared_ptr<const SongIndex> index, std::unique_ptr<IndexQuery> query)
+    : m_index(std::move(index)), m_query(std::move(query)) {
+    if (m_query && m_query->shortestMatch() > m_index->longestText())
+        m_row = m_index->size(); // no name is long enough
+}
+
+bool IndexScan::next(qint64& id) {
+    if (!m_query) {
+        if (m_row >= m_index->size())
+            return false;
+        id = m_index->id(m_row++);
+        return true;
+    }
+    return m_query->anchor().empty() ? nextByRow(id) : nextByAnchor(id);
+}
+
+bool IndexScan::nextByAnchor(qint64& id) {
+    const std::string_view block = m_index->block();
+    while (m_row < m_index->size()) {
+        const size_t at = FindBytes(block, m_query->anchor(), m_index->start(m_row));
+        if (at == std::string_view::npos) {
+            m_row = m_index->size();
+            return false;
+        }
+        // A name never holds the 0xFF that ends it, so the find lies within one.
+        const qsizetype row = m_index->rowAt(at);
+        m_row = row + 1;
+        if (m_index->searchable(row) && m_query->matches(m_index->text(row))) {
+            id = m_index->id(row);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool IndexScan::nextByRow(qint64& id) {
+    while (m_row < m_index->size()) {
+        const qsizetype row = m_row++;
+        if (m_index->searchable(row) && m_query->matches(m_index->text(row))) {
+            id = m_index->id(row);
+            return true;
+        }
+    }
+    return false;
+}

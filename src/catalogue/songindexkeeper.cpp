@@ -1,0 +1,187 @@
+#include "songindexkeeper.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QPointer>
+#include <QThread>
+
+#include <sqlite3.h>
+
+#include <cstring>
+
+SongIndexKeeper& SongIndexKeeper::instance() {
+    static SongIndexKeeper keeper;
+    return keeper;
+}
+
+SongIndexKeeper::~SongIndexKeeper() {
+    detach();
+}
+
+void SongIndexKeeper::onRowChanged(void* self, int, const char*, const char* table, long long) {
+    auto* keeper = static_cast<SongIndexKeeper*>(self);
+    keeper->m_hookedChanges.fetch_add(1, std::memory_order_relaxed);
+    if (table && sqlite3_stricmp(table, "tblKaraokeTracks") == 0)
+        keeper->m_songChanges.fetch_add(1, std::memory_order_relaxed);
+}
+
+void SongIndexKeeper::attach(sqlite3* db, const QString& path) {
+    detach();
+    m_db = db;
+    m_path = path;
+    if (!m_db)
+        return;
+    sqlite3_update_hook(m_db, &SongIndexKeeper::onRowChanged, this);
+    if (sqlite3_prepare_v2(m_db, "PRAGMA data_version", -1, &m_dataVersion, nullptr) != SQLITE_OK) {
+        sqlite3_finalize(m_dataVersion);
+        m_dataVersion = nullptr;
+    }
+    startBuild(m_wantBlind);
+}
+
+void SongIndexKeeper::detach() {
+    joinBuilder();
+    ++m_serial; // a result still queued for the main thread is dropped
+    m_index.reset();
+    if (m_db) {
+        sqlite3_update_hook(m_db, nullptr, nullptr);
+        sqlite3_finalize(m_dataVersion);
+    }
+    m_dataVersion = nullptr;
+    m_db = nullptr;
+    m_path.clear();
+}
+
+void SongIndexKeeper::joinBuilder() {
+    if (m_builder.joinable()) {
+        m_stop = true;
+        m_builder.join();
+    }
+    m_stop = false;
+    m_building = false;
+}
+
+SongIndexKeeper::Stamp SongIndexKeeper::stampNow() const {
+    Stamp s;
+    s.songChanges = m_songChanges.load(std::memory_order_relaxed);
+    s.hookedChanges = m_hookedChanges.load(std::memory_order_relaxed);
+    if (m_db)
+        s.totalChanges = sqlite3_total_changes64(m_db);
+    if (m_dataVersion) {
+        if (sqlite3_step(m_dataVersion) == SQLITE_ROW)
+            s.dataVersion = sqlite3_column_int64(m_dataVersion, 0);
+        else
+            s.dataVersion = -1; // unknown: never equal to a good read
+        sqlite3_reset(m_dataVersion);
+    }
+    return s;
+}
+
+std::shared_ptr<const SongIndex> SongIndexKeeper::current(bool accentBlind) {
+    if (!m_db)
+        return nullptr;
+    m_wantBlind = accentBlind;
+    if (m_index && m_index->accentBlind() == accentBlind) {
+        const Stamp now = stampNow();
+        // Rows changed on this connection beyond what the hook reported were
+        // changed without it (a delete of the whole table).
+        const bool unreported = now.totalChanges - m_indexStamp.totalChanges >
+                                qint64(now.hookedChanges - m_indexStamp.hookedChanges);
+        if (now.songChanges == m_indexStamp.songChanges && now.dataVersion == m_indexStamp.dataVersion &&
+            now.dataVersion >= 0 && !unreported) {
+            // Changes to other tables move these two: follow them along.
+            m_indexStamp.totalChanges = now.totalChanges;
+            m_indexStamp.hookedChanges = now.hookedChanges;
+            return m_index;
+        }
+        m_index.reset();
+    }
+    if (!m_building)
+        startBuild(accentBlind);
+    return nullptr;
+}
+
+void SongIndexKeeper::refresh() {
+    if (m_db && !m_building)
+        startBuild(m_wantBlind);
+}
+
+void SongIndexKeeper::distrust() {
+    m_index.reset();
+    refresh();
+}
+
+void SongIndexKeeper::startBuild(bool accentBlind) {
+    if (!m_db || m_path.isEmpty() || !QCoreApplication::instance())
+        return;
+    // Rows written inside a transaction that is still open would be missed
+    // by the reading connection: the read waits for the commit (the next
+    // search asks again).
+    if (!sqlite3_get_autocommit(m_db))
+        return;
+    joinBuilder();
+    m_building = true;
+    const quint64 serial = ++m_serial;
+    const Stamp stamp = stampNow();
+    const QByteArray path = m_path.toUtf8();
+    QPointer<SongIndexKeeper> self(this);
+    m_builder = std::thread([this, serial, stamp, path, accentBlind] {
+        std::shared_ptr<const SongIndex> index;
+        sqlite3* reader = nullptr;
+        if (sqlite3_open_v2(path.constData(), &reader, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr) ==
+            SQLITE_OK) {
+            sqlite3_exec(reader, "PRAGMA cache_size = -16384", nullptr, nullptr, nullptr);
+            index = SongIndex::build(reader, accentBlind, &m_stop);
+        }
+        sqlite3_close(reader);
+        if (m_stop)
+            return;
+        QMetaObject::invokeMethod(
+            this, [this, serial, index, stamp] { finishBuild(serial, index, stamp); }, Qt::QueuedConnection);
+    });
+}
+
+void SongIndexKeeper::finishBuild(quint64 serial, std::shared_ptr<const SongIndex> index, Stamp stamp) {
+    if (serial != m_serial)
+        return;
+    if (m_builder.joinable())
+        m_builder.join();
+    m_building = false;
+    if (!index || !m_db)
+        return;
+    // A change while the read ran may or may not be in it: read again.
+    const Stamp now = stampNow();
+    if (now.songChanges != stamp.songChanges || now.dataVersion != stamp.dataVersion) {
+        startBuild(index->accentBlind());
+        return;
+    }
+    m_index = std::move(index);
+    m_indexStamp = now;
+    emit indexReady();
+}
+
+bool SongIndexKeeper::buildNow(bool accentBlind) {
+    if (!m_db)
+        return false;
+    joinBuilder();
+    ++m_serial;
+    const Stamp stamp = stampNow();
+    auto index = SongIndex::build(m_db, accentBlind);
+    if (!index)
+        return false;
+    m_wantBlind = accentBlind;
+    m_index = std::move(index);
+    m_indexStamp = stamp;
+    return true;
+}
+
+bool SongIndexKeeper::waitUntilCurrent(bool accentBlind, int ms) {
+    QDeadlineTimer deadline(ms);
+    while (!current(accentBlind)) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(2);
+    }
+    return true;
+}
