@@ -390,6 +390,8 @@ int main(int argc, char** argv) {
         return 1;
     }
 
+    out << QStringLiteral("resident memory at the start: %1 MB").arg(vmRssKiB() / 1024.0, 0, 'f', 1)
+        << Qt::endl;
     SongMaker maker;
     QElapsedTimer fill;
     fill.start();
@@ -414,6 +416,8 @@ int main(int argc, char** argv) {
         return 1;
     out << QStringLiteral("fill 900000 more songs: %1 ms").arg(fill.elapsed()) << Qt::endl;
     malloc_trim(0);
+    out << QStringLiteral("resident memory after the fill: %1 MB").arg(vmRssKiB() / 1024.0, 0, 'f', 1)
+        << Qt::endl;
 
     Frame f;
     if (!timeIndexRead(1000000) ||

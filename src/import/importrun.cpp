@@ -124,6 +124,7 @@ void ImportRun::runImport(const QString& folderText, int convention) {
         const BulkWrites bulk;
         Guarded(kRunSource, 5, [] { BeginTrans(); });
         SearchForFiles(RootFolder);
+        m_importer.releaseStatement();
         if (m_settlePauseMs > 0)
             QThread::msleep(m_settlePauseMs);
         emit statusChanged(stopped() ? QStringLiteral("Import Stopped") : QStringLiteral("Import Completed"));

@@ -11,7 +11,6 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QList>
-#include <QScopeGuard>
 #include <QStringView>
 
 #include <array>
@@ -100,53 +99,15 @@ QString clean(QStringView v) {
     return EscapeQuotes(CleanNamePart(v));
 }
 
-// The shared connection's SQLite handle, looked up again only when the
-// connection has been closed or opened since the last row.
-sqlite3* catalogueHandle() {
-    static quint64 generation = ~quint64(0);
-    static sqlite3* cached = nullptr;
-    if (generation != ConnectionGeneration()) {
-        cached = IsDatabaseOpen() ? NativeHandle(dbConnection()) : nullptr;
-        generation = ConnectionGeneration();
-    }
-    return cached;
-}
-
-// Runs one row's statement straight on the catalogue connection's SQLite
-// handle: the same connection and transaction as everything else, without the
-// per-statement query objects, which cost a tenth of an import's time.
-// Returns 0, or SQLite's extended error code with its text in `failure`.
-qint32 runInsert(const QString& sql, QString& failure) {
-    sqlite3* db = catalogueHandle();
-    if (!db)
-        throw KvError(3704, QStringLiteral("Operation is not allowed when the object is closed."), kSource);
-    const QByteArray text = sql.toUtf8();
-    // The row carries -1 or 0 in its Yes/No column already, so the catalogue's
-    // Yes/No triggers have nothing to do for it; compiled into every row's
-    // statement they would make the import three times slower. They are off
-    // for this statement alone, from its compiling to its end.
-    sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
-    const auto triggersBackOn =
-        qScopeGuard([db] { sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 1, nullptr); });
-    sqlite3_stmt* stmt = nullptr;
-    const char* tail = nullptr;
-    int rc = sqlite3_prepare_v2(db, text.constData(), int(text.size()), &stmt, &tail);
-    // Text behind the statement is refused, never run as a second one.
-    if (rc == SQLITE_OK && tail && !QByteArrayView(tail).trimmed().isEmpty()) {
-        sqlite3_finalize(stmt);
-        throw KvError(1, QStringLiteral("Unable to execute multiple statements at a time"), kSource);
-    }
-    if (rc == SQLITE_OK && stmt) {
-        rc = sqlite3_step(stmt);
-        if (rc == SQLITE_DONE || rc == SQLITE_ROW)
-            rc = SQLITE_OK;
-    }
-    if (rc != SQLITE_OK) {
-        rc = sqlite3_extended_errcode(db);
-        failure = QString::fromUtf8(sqlite3_errmsg(db));
-    }
-    sqlite3_finalize(stmt);
-    return rc;
+// The value an escaped text stands for in a statement's quotes: each pair of
+// quotes is one. The cut escapes its values for the statement text it once
+// made; binding the values they stand for stores exactly the same.
+QByteArray literalValue(const QString& escaped) {
+    if (!escaped.contains(QLatin1Char('\'')))
+        return escaped.toUtf8();
+    QString value = escaped;
+    value.replace(QStringLiteral("''"), QStringLiteral("'"));
+    return value.toUtf8();
 }
 
 // The text less its last four characters: the extension of most song files.
@@ -157,6 +118,71 @@ QStringView withoutExtension(QStringView name) {
 }
 
 } // namespace
+
+// The import's one insert, prepared once per batch on the catalogue
+// connection's SQLite handle and run with each row's values bound: the same
+// connection and transaction as everything else, without a statement to parse
+// per row.
+class TrackImporter::Insert {
+public:
+    Insert() = default;
+    Insert(const Insert&) = delete;
+    Insert& operator=(const Insert&) = delete;
+    ~Insert() { sqlite3_finalize(m_stmt); }
+
+    // Inserts one row. Returns 0, or SQLite's extended error code with its
+    // text in `failure`.
+    qint32 run(const std::array<QByteArray, 6>& values, bool kamikaze, QString& failure) {
+        if (m_generation != ConnectionGeneration()) {
+            // The connection was closed and opened again: the old statement
+            // went with it.
+            m_stmt = nullptr;
+            m_db = IsDatabaseOpen() ? NativeHandle(dbConnection()) : nullptr;
+            m_generation = ConnectionGeneration();
+        }
+        if (!m_db)
+            throw KvError(3704, QStringLiteral("Operation is not allowed when the object is closed."),
+                          kSource);
+        // The row carries -1 or 0 in its Yes/No column already: the
+        // catalogue's Yes/No trigger, compiled once into the statement, only
+        // weighs its condition per row.
+        int rc = SQLITE_OK;
+        if (!m_stmt)
+            rc = sqlite3_prepare_v2(
+                m_db,
+                "Insert into tblKaraokeTracks([TrackName], [ArtistName], [DiscName], "
+                "[TrackNo], [Filename], [TrackPath], [Kamikaze])values(?, ?, ?, ?, ?, ?, ?)",
+                -1, &m_stmt, nullptr);
+        if (rc == SQLITE_OK) {
+            for (int i = 0; i < 6; ++i)
+                sqlite3_bind_text(m_stmt, i + 1, values[size_t(i)].constData(), int(values[size_t(i)].size()),
+                                  SQLITE_STATIC);
+            sqlite3_bind_int(m_stmt, 7, kamikaze ? -1 : 0);
+            rc = sqlite3_step(m_stmt);
+            if (rc == SQLITE_DONE)
+                rc = SQLITE_OK;
+            sqlite3_reset(m_stmt);
+            sqlite3_clear_bindings(m_stmt);
+        }
+        if (rc != SQLITE_OK) {
+            rc = sqlite3_extended_errcode(m_db);
+            failure = QString::fromUtf8(sqlite3_errmsg(m_db));
+            release();
+        }
+        return rc;
+    }
+
+    void release() {
+        if (m_generation == ConnectionGeneration())
+            sqlite3_finalize(m_stmt);
+        m_stmt = nullptr;
+    }
+
+private:
+    sqlite3* m_db = nullptr;
+    sqlite3_stmt* m_stmt = nullptr;
+    quint64 m_generation = ~quint64(0);
+};
 
 // The working values of one file while its name is cut.
 class TrackImporter::Cut {
@@ -304,6 +330,18 @@ void pumpNowAndThen() {
 
 TrackImporter::TrackImporter() : m_pump(pumpNowAndThen) {}
 
+TrackImporter::TrackImporter(TrackImporter&&) noexcept = default;
+TrackImporter& TrackImporter::operator=(TrackImporter&&) noexcept = default;
+
+TrackImporter::~TrackImporter() {
+    releaseStatement();
+}
+
+void TrackImporter::releaseStatement() {
+    if (m_insert)
+        m_insert->release();
+}
+
 void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
     int line = kLineCut;
     try {
@@ -311,29 +349,13 @@ void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
         cut.run(ConventionNumber);
 
         line = kLineInsert;
-        // SQLite has no Yes/No literals: -1 and 0 are their values.
-        const QLatin1String kamikazeWord = kamikaze ? QLatin1String("-1") : QLatin1String("0");
-        QString sql;
-        sql.reserve(160 + cut.TrackName.size() + cut.ArtistName.size() + cut.DiscName.size() +
-                    cut.TrackNo.size() + cut.Filename.size() + cut.TrackPath.size());
-        sql += QLatin1String("Insert into tblKaraokeTracks([TrackName], [ArtistName], [DiscName], [TrackNo], "
-                             "[Filename], [TrackPath], [Kamikaze])values('");
-        sql += cut.TrackName;
-        sql += QLatin1String("', '");
-        sql += cut.ArtistName;
-        sql += QLatin1String("', '");
-        sql += cut.DiscName;
-        sql += QLatin1String("', '");
-        sql += cut.TrackNo;
-        sql += QLatin1String("', '");
-        sql += cut.Filename;
-        sql += QLatin1String("', '");
-        sql += cut.TrackPath;
-        sql += QLatin1String("', ");
-        sql += kamikazeWord;
-        sql += QLatin1Char(')');
+        const std::array<QByteArray, 6> values = {literalValue(cut.TrackName), literalValue(cut.ArtistName),
+                                                  literalValue(cut.DiscName),  literalValue(cut.TrackNo),
+                                                  literalValue(cut.Filename),  literalValue(cut.TrackPath)};
+        if (!m_insert)
+            m_insert = std::make_unique<Insert>();
         QString failureText;
-        if (const qint32 failure = runInsert(sql, failureText); failure != 0) {
+        if (const qint32 failure = m_insert->run(values, kamikaze, failureText); failure != 0) {
             if (!isConstraintFailure(failure))
                 throw KvError(failure, failureText, kSource);
             // The catalogue has this file already: counted, left as it is.
@@ -347,6 +369,7 @@ void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
             m_pump();
         if (ProcessedCount % kCommitEvery == 0) {
             line = kLineCommit;
+            releaseStatement();
             CommitTrans();
             BeginTrans();
         }

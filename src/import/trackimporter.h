@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <functional>
+#include <memory>
 
 // Turns one song file found on disk into one row of tblKaraokeTracks: the
 // file's name is cut into title, artist, disc and track number by the chosen
@@ -32,11 +33,20 @@ public:
     // events of the application unless replaced.
     void setEventPump(std::function<void()> pump) { m_pump = std::move(pump); }
 
+    // Lets go of the prepared insert (a prepared statement keeps the
+    // connection from closing); the run calls it when its walk ends.
+    void releaseStatement();
+
     static constexpr int kCommitEvery = 3000;
+
+    TrackImporter(TrackImporter&&) noexcept;
+    TrackImporter& operator=(TrackImporter&&) noexcept;
+    ~TrackImporter();
 
 private:
     class Cut;
-    void insertRow(const QString& sql);
+    class Insert;
 
     std::function<void()> m_pump;
+    std::unique_ptr<Insert> m_insert;
 };
