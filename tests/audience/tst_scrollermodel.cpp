@@ -241,24 +241,6 @@ private slots:
         QCOMPARE(m->text(), QString("Tonight\r\nKaraoke"));
     }
 
-    void propertiesOfABrandNewControl() {
-        ScrollerModel m(&m_measure);
-        PropertyBag empty;
-        m.readProperties(empty, twelvePoint());
-        QCOMPARE(m.text(), QString("Tessaly Scroller"));
-        QCOMPARE(m.StopAfterOneScroll(), false);
-        QCOMPARE(m.AutoStart(), true);
-        QCOMPARE(m.ScrollType(), 1);
-        QCOMPARE(m.BackColor(), 0x8000000Fu);
-        QCOMPARE(m.ForeColor(), 0x80000008u);
-        QCOMPARE(m.Interval(), 50);
-        QCOMPARE(m.Amount(), 25.0);
-        QCOMPARE(m.Alignment(), 2);
-        QCOMPARE(m.Border(), 0);
-        QCOMPARE(m.boxFont(), twelvePoint());
-        QCOMPARE(m.Scrolling(), false);
-    }
-
     void propertiesRoundTrip() {
         ScrollerModel a(&m_measure);
         QFont f("DejaVu Sans Mono");
