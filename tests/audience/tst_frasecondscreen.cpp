@@ -23,6 +23,13 @@ class TestFraSecondScreen : public QObject {
     std::unique_ptr<TestWorkspace> m_ws;
 
     static QString setting(const char* name) { return oSettings->GetStringValue("Settings", name, "<none>"); }
+    // The values of the "|"-separated keys, "|"-separated.
+    static QString settingsOf(const QString& names) {
+        QStringList values;
+        for (const QString& name : names.split('|'))
+            values << setting(name.toLatin1());
+        return values.join('|');
+    }
 
 private slots:
     void init() {
@@ -104,23 +111,19 @@ private slots:
         page.btnFont->click();
         QCOMPARE(w.scroller->model().measuringFont().family(), QString("DejaVu Sans Mono"));
         QCOMPARE(w.scroller->model().measuringFont().pointSize(), 22);
-        QCOMPARE(setting("Font"), QString("DejaVu Sans Mono"));
-        QCOMPARE(setting("FontSize"), QString("22"));
-        QCOMPARE(setting("FontBold"), QString("1"));
+        QCOMPARE(settingsOf("Font|FontSize|FontBold"), QString("DejaVu Sans Mono|22|1"));
     }
 
     // A dialog closed without a choice changes nothing, the sample's white
     // text included.
     void aCancelledDialogChangesNothing() {
         fraSecondScreen page(nullptr);
-        const QString font = setting("Font");
+        const QString before = settingsOf("Font|AudienceScrollerFontColor|AudienceScrollerColor");
         page.btnFont->click();
         page.btnAudienceFontColor->click();
         page.btnScrollerBackColor->click();
         QCOMPARE(m_prompts->calls.size(), 3);
-        QCOMPARE(setting("Font"), font);
-        QCOMPARE(setting("AudienceScrollerFontColor"), QString("<none>"));
-        QCOMPARE(setting("AudienceScrollerColor"), QString("<none>"));
+        QCOMPARE(settingsOf("Font|AudienceScrollerFontColor|AudienceScrollerColor"), before);
         QCOMPARE(page.lblSampleText->palette().color(QPalette::WindowText), QColor(Qt::white));
     }
 
@@ -158,9 +161,7 @@ private slots:
         fraSecondScreen page(&audience);
         page.btnResetScreen->click();
         QVERIFY(!audience.loaded());
-        QCOMPARE(QStringList({setting("SecLeft"), setting("SecTop"), setting("SecState"), setting("SecWidth"),
-                              setting("SecHeight")}),
-                 (QStringList{"0", "0", "0", "10380", "7125"}));
+        QCOMPARE(settingsOf("SecLeft|SecTop|SecState|SecWidth|SecHeight"), QString("0|0|0|10380|7125"));
     }
 };
 

@@ -64,23 +64,6 @@ private slots:
         QCOMPARE(QColor(stretched.pixel(290, 290)), QColor(Qt::blue));
     }
 
-    void minusOneMeansTheNaturalSize_data() {
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("height");
-        QTest::newRow("both") << -1 << -1;
-        QTest::newRow("a width of 800 is lost when the height is -1") << 800 << -1;
-        QTest::newRow("height given, width -1") << -1 << 50;
-    }
-    void minusOneMeansTheNaturalSize() {
-        QFETCH(int, width);
-        QFETCH(int, height);
-        const QString path = makePicture("natural.jpg", QSize(64, 48));
-        const QImage img = mGDIPlusResize::LoadPictureGDIPlus(path, width, height, Qt::white, false);
-        QCOMPARE(width, 64);
-        QCOMPARE(height, 48);
-        QCOMPARE(img.size(), QSize(64, 48));
-    }
-
     void aFileThatIsNoPictureRaises999_data() {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("bytes");
@@ -173,12 +156,6 @@ private slots:
         const auto p = MMonitors::EnsureWindowOnDesktop(window, MMonitors::desktopOf(screens));
         QCOMPARE(p.corrected, corrected);
         QCOMPARE(p.rect, placed);
-    }
-
-    void partlyVisibleMayStayWhenAllowed() {
-        const QRect d(0, 0, 1920, 1080);
-        QCOMPARE(MMonitors::EnsureWindowOnDesktop(QRect(1800, 100, 400, 300), d, true).corrected, false);
-        QCOMPARE(MMonitors::EnsureWindowOnDesktop(QRect(2800, 100, 400, 300), d, true).corrected, true);
     }
 };
 
