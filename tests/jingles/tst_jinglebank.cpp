@@ -1,5 +1,4 @@
 #include "core/settings.h"
-#include "fakeplayback.h"
 #include "jinglerig.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
@@ -188,27 +187,6 @@ private slots:
         QCOMPARE(m_rig->karaoke.GetStatus(), after);
         QCOMPARE(m_rig->jingles.PlayerState(), 1);
         QVERIFY(m_prompts->calls.isEmpty());
-    }
-
-    // A karaoke start cuts a playing jingle (the song start's own tests
-    // show it comes before the track begins).
-    void karaokeStartCutsTheJingle() {
-        QVERIFY(m_rig->startBoth(m_wrapper));
-        assign(5, media("Applause.mp3"));
-        m_rig->bank.InitialiseJingles();
-        m_rig->bank.cmdJingle_Click(5);
-        QVERIFY(jinglePlays(media("Applause.mp3")));
-        QStringList journal;
-        fakeplayback::FakeQueue queue(journal);
-        fakeplayback::FakeView view(journal);
-        modPacemaker pacemaker(m_rig->karaoke);
-        SongStarter starter(m_rig->karaoke, pacemaker, queue, view);
-        starter.setJingles(&m_rig->jingles);
-        queue.rows = {fakeplayback::song("Ann", media("Song.mp3"))};
-        QVERIFY(starter.PlayKaraoke(0));
-        QCOMPARE(m_rig->jingles.PlayerState(), 3);
-        QTRY_VERIFY_WITH_TIMEOUT(m_rig->karaokePos() > 0.3, kPlayerSlack);
-        starter.StopSong();
     }
 
     // The outputs are mpv's, by their descriptions, in a stable order. An
