@@ -36,67 +36,29 @@ class TestNextPerformer : public QObject {
 private slots:
     void init() { Cfg = AppSettings{}; }
 
+    // The placeholders are replaced in turn, %p first, then %a, then %t,
+    // case-sensitively.
     void fillTemplate_data() {
         QTest::addColumn<QString>("tmpl");
-        QTest::addColumn<QString>("performer");
-        QTest::addColumn<QString>("artist");
-        QTest::addColumn<QString>("title");
+        QTest::addColumn<QStringList>("names"); // performer, artist, title
         QTest::addColumn<QString>("text");
-        QTest::newRow("the start-up default")
-            << "Could %p singing %t please make their way to the stage towards the end of this performance"
-            << "Jo"
-            << "Abba"
-            << "Waterloo"
-            << "Could Jo singing Waterloo please make their way to the stage towards the end of this "
-               "performance";
-        QTest::newRow("every placeholder, more than once") << "%p %a %t / %p"
-                                                           << "Jo"
-                                                           << "Abba"
-                                                           << "SOS"
-                                                           << "Jo Abba SOS / Jo";
-        QTest::newRow("a performer holding %a and %t is replaced in turn") << "Next: %p"
-                                                                           << "Al %a and %t"
-                                                                           << "Queen"
-                                                                           << "Bohemian"
-                                                                           << "Next: Al Queen and Bohemian";
-        QTest::newRow("an artist holding %p is not: %p went first") << "%a sings %t"
-                                                                    << "Jo"
-                                                                    << "The %p Band"
-                                                                    << "Hey"
-                                                                    << "The %p Band sings Hey";
-        QTest::newRow("an artist holding %t is") << "%a"
-                                                 << "Jo"
-                                                 << "Mr %t"
-                                                 << "Jive"
-                                                 << "Mr Jive";
-        QTest::newRow("case-sensitive: %P and %T stay") << "%P %p %T"
-                                                        << "Jo"
-                                                        << "A"
-                                                        << "T"
-                                                        << "%P Jo %T";
-        QTest::newRow("no placeholder: as it stands") << "Next singer soon!"
-                                                      << "Jo"
-                                                      << "A"
-                                                      << "T"
-                                                      << "Next singer soon!";
-        QTest::newRow("empty template: empty") << ""
-                                               << "Jo"
-                                               << "A"
-                                               << "T"
-                                               << "";
-        QTest::newRow("a title alone") << "%t"
-                                       << "Jo"
-                                       << "A"
-                                       << "Song 2"
-                                       << "Song 2";
+        QTest::newRow("every placeholder, more than once")
+            << "%p %a %t / %p" << QStringList{"Jo", "Abba", "SOS"} << "Jo Abba SOS / Jo";
+        QTest::newRow("a performer holding %a and %t is replaced in turn")
+            << "Next: %p" << QStringList{"Al %a and %t", "Queen", "Bohemian"}
+            << "Next: Al Queen and Bohemian";
+        QTest::newRow("an artist holding %p is not: %p went first")
+            << "%a sings %t" << QStringList{"Jo", "The %p Band", "Hey"} << "The %p Band sings Hey";
+        QTest::newRow("an artist holding %t is") << "%a" << QStringList{"Jo", "Mr %t", "Jive"} << "Mr Jive";
+        QTest::newRow("case-sensitive: %P and %T stay")
+            << "%P %p %T" << QStringList{"Jo", "A", "T"} << "%P Jo %T";
+        QTest::newRow("empty template: empty") << "" << QStringList{"Jo", "A", "T"} << "";
     }
     void fillTemplate() {
         QFETCH(QString, tmpl);
-        QFETCH(QString, performer);
-        QFETCH(QString, artist);
-        QFETCH(QString, title);
+        QFETCH(QStringList, names);
         QFETCH(QString, text);
-        QCOMPARE(NextPerformerAnnouncer::fillTemplate(tmpl, song(performer, artist, title)), text);
+        QCOMPARE(NextPerformerAnnouncer::fillTemplate(tmpl, song(names[0], names[1], names[2])), text);
     }
 
     // After the song from row r starts, n rows being left in the queue.

@@ -1,67 +1,18 @@
-#include "catalogue/database.h"
 #include "childprocess.h"
-#include "core/csvreader.h"
 #include "exports/deduplist.h"
 #include "exports/exportfile.h"
 #include "exports/songbook.h"
 #include "exports/songlist.h"
+#include "exportsfixture.h"
 #include "smalldisk.h"
 #include "testrunner.h"
 #include "workspace.h"
 
 #include <QDir>
-#include <QFile>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
 
-using Rows = QList<QStringList>;
-
-namespace {
-
-// A catalogue row: artist, title, disc, track number, path, error mark.
-struct Song {
-    QString artist, title, disc, trackNo, path;
-    bool error = false;
-};
-
-void addSongs(const QList<Song>& songs) {
-    for (const Song& s : songs) {
-        QSqlQuery q(dbConnection());
-        q.prepare("INSERT INTO tblKaraokeTracks (ArtistName, TrackName, DiscName, TrackNo, TrackPath, Error) "
-                  "VALUES (?, ?, ?, ?, ?, ?)");
-        for (const QVariant& v : {QVariant(s.artist), QVariant(s.title), QVariant(s.disc),
-                                  QVariant(s.trackNo), QVariant(s.path), QVariant(s.error ? -1 : 0)})
-            q.addBindValue(v);
-        QVERIFY2(q.exec(), "insert");
-    }
-}
-
-QByteArray fileBytes(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-}
-
-Rows readCsv(const QString& path) {
-    Rows rows;
-    const auto r = CsvReader::readFile(path, [&](const QStringList& row) {
-        rows << row;
-        return true;
-    });
-    return r.ok ? rows : Rows{{"<unreadable>", r.error}};
-}
-
-QStringList column(QSqlDatabase db, const QString& sql) {
-    QStringList out;
-    QSqlQuery q(db);
-    q.exec(sql);
-    while (q.next())
-        out << q.value(0).toString();
-    return out;
-}
-
-} // namespace
+using namespace exportstest;
 
 class TestExports : public QObject {
     Q_OBJECT
@@ -135,7 +86,7 @@ private slots:
         QVERIFY2(DedupList::ExportDedup(path, DedupList::CaseMode(mode), {}, &error), qPrintable(error));
         QCOMPARE(fileBytes(path), expected);
         // The scratch table is emptied after the export.
-        QCOMPARE(column(dbConnection(), "SELECT COUNT(*) FROM tblDedup"), QStringList{"0"});
+        QCOMPARE(column("SELECT COUNT(*) FROM tblDedup"), QStringList{"0"});
     }
 
     void dedupProgressCountsEveryRow() {
@@ -203,52 +154,39 @@ private slots:
         QCOMPARE((QStringList{v[0], v[1], v[2], v[3]}), expected);
     }
 
+    // The songbook is a whole SQLite file of the app's schema that replaces
+    // an older one; the host's address goes in only when requests by email
+    // are allowed.
+    void songbookFile_data() {
+        QTest::addColumn<bool>("allowEmail");
+        QTest::addColumn<QString>("host");
+        QTest::newRow("email allowed") << true << "|host@example.com||0";
+        QTest::newRow("email not allowed") << false << "|||0";
+    }
     void songbookFile() {
+        QFETCH(bool, allowEmail);
+        QFETCH(QString, host);
         TestWorkspace ws;
         addSongs({{"Guns N' Roses", "Patience", "D1", "01", "/a"},
                   {"Zed", "Zebra", "D2", "02", "/b"},
                   {"Guns N' Roses", "Patience", "D1", "01", "/c"}});
         const QString path = ws.documentsFolder() + "  My Book  .kbd";
-        QFile old(path);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("an older songbook");
-        old.close();
-
-        const Songbook::Outcome out = Songbook::write(path, true, "host@example.com");
+        QVERIFY(writeBytes(path, "an older songbook"));
+        const Songbook::Outcome out = Songbook::write(path, allowEmail, "host@example.com");
         QVERIFY2(out.written, qPrintable(out.error));
         QCOMPARE(out.songs, qint64(3));
         QVERIFY(!QFile::exists(path + ".part"));
-
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "readKbd");
-        db.setDatabaseName(path);
-        QVERIFY(db.open());
-        QCOMPARE(column(db, "pragma integrity_check"), QStringList{"ok"});
-        QCOMPARE(column(db, "pragma page_size"), QStringList{"1024"});
+        QCOMPARE(fileColumn(path, "pragma integrity_check"), QStringList{"ok"});
+        QCOMPARE(fileColumn(path, "pragma page_size"), QStringList{"1024"});
         QStringList expectedSchema = Songbook::schema();
         for (QString& s : expectedSchema)
             s.chop(1); // the stored text has no closing semicolon
-        QCOMPARE(column(db, "SELECT sql FROM sqlite_master ORDER BY rowid"), expectedSchema);
-        QCOMPARE(
-            column(db, "SELECT HostName || '|' || EmailAddress || '|' || MobileNo || '|' || ContactType FROM "
-                       "HostDetails"),
-            QStringList{"|host@example.com||0"});
-        QCOMPARE(column(db, "SELECT SearchCriteria FROM KaraokeSongs ORDER BY rowid"),
+        QCOMPARE(fileColumn(path, "SELECT sql FROM sqlite_master ORDER BY rowid"), expectedSchema);
+        QCOMPARE(fileColumn(path, "SELECT HostName || '|' || EmailAddress || '|' || MobileNo || '|' || "
+                                  "ContactType FROM HostDetails"),
+                 QStringList{host});
+        QCOMPARE(fileColumn(path, "SELECT SearchCriteria FROM KaraokeSongs ORDER BY rowid"),
                  (QStringList{"Guns N' Roses Patience D1", "Zed Zebra D2", "Guns N' Roses Patience D1"}));
-        db.close();
-        db = QSqlDatabase();
-        QSqlDatabase::removeDatabase("readKbd");
-    }
-
-    void songbookEmailOnlyWhenAllowed() {
-        TestWorkspace ws;
-        QCOMPARE(
-            Songbook::hostRow(false, "x@y"),
-            QString(
-                "Insert into HostDetails(HostName, EmailAddress, MobileNo, ContactType)Values('', '', '', "
-                "'0');"));
-        QCOMPARE(Songbook::hostRow(true, "o'neil@y"),
-                 QString("Insert into HostDetails(HostName, EmailAddress, MobileNo, ContactType)Values('', "
-                         "'o''neil@y', '', '0');"));
     }
 
     void songbookCancelKeepsSongsSoFar() {
@@ -257,13 +195,7 @@ private slots:
         const QString path = ws.documentsFolder() + "Book.kbd";
         const auto out = Songbook::write(path, false, {}, [](qint64 done, qint64) { return done < 2; });
         QVERIFY(out.written && out.cancelled);
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "readKbd");
-        db.setDatabaseName(path);
-        QVERIFY(db.open());
-        QCOMPARE(column(db, "SELECT COUNT(*) FROM KaraokeSongs"), QStringList{"2"});
-        db.close();
-        db = QSqlDatabase();
-        QSqlDatabase::removeDatabase("readKbd");
+        QCOMPARE(fileColumn(path, "SELECT COUNT(*) FROM KaraokeSongs"), QStringList{"2"});
     }
 
     // A song the file cannot take ends the export: the old songbook stays
@@ -271,15 +203,11 @@ private slots:
     void songbookErrorLeavesOldFile() {
         TestWorkspace ws;
         addSongs({{"A", "1", "D", "1", "/a"}});
-        QVERIFY(QSqlQuery(dbConnection()).exec("UPDATE tblKaraokeTracks SET DiscName = NULL"));
+        ExecuteSql("UPDATE tblKaraokeTracks SET DiscName = NULL");
         const QString path = ws.documentsFolder() + "Book.kbd";
-        QFile old(path);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("older");
-        old.close();
+        QVERIFY(writeBytes(path, "older"));
         const auto out = Songbook::write(path, false, {});
-        QVERIFY(!out.written);
-        QVERIFY(!out.error.isEmpty());
+        QVERIFY(!out.written && !out.error.isEmpty());
         QCOMPARE(fileBytes(path), QByteArray("older"));
         QVERIFY(!QFile::exists(path + ".part"));
         QVERIFY(TestWorkspace::errorLog().contains(Songbook::kSource));
@@ -293,10 +221,7 @@ private slots:
         if (!disk.mounted())
             QSKIP("needs the rights to mount a small disk");
         const QString path = dir.filePath(SongList::kFileName);
-        QFile old(path);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("older");
-        old.close();
+        QVERIFY(writeBytes(path, "older"));
         QList<Song> many;
         for (int i = 0; i < 3000; ++i)
             many.append(

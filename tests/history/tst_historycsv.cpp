@@ -91,13 +91,10 @@ private slots:
         QTest::newRow("key out of range") << kHeader + "/b,Bob,B,U,99999999999\r\n"
                                           << QStringList{} << "not a whole number";
         QTest::newRow("too few columns") << kHeader + "/a,Ann,A\r\n" << QStringList{} << "Key is missing";
-        QTest::newRow("JPEG renamed .csv")
-            << QByteArray("\xFF\xD8\xFF\xE0\x00\x10JFIF\x00\x01\x01\x00\x00\x48\x00\x48\x00\x00\n"
-                          "\xFF\xDB\x00\x43\x00\x08\x06\x06\x07\x06\x05\x08\x07,\x07\x07\t\t\x08\n\x0c\x14\r"
-                          "\x0c\x0b\x0b\x0c\x19\x12\x13\x0f\x14\x1d\x1a\x1f\x1e\x1d\x1a\x1c\x1c $.' \",#\x1c"
-                          "\x1c(7),01444\x1f'9=82<.342\xFF\xD9",
-                          120)
-            << QStringList{} << "not imported";
+        QTest::newRow("JPEG renamed .csv") << QByteArray("\xFF\xD8\xFF\xE0\x00\x10JFIF\x00\x01\x01\x00\x00"
+                                                         "\x48\x00\x48\x00\x00\n\xFF\xDB,\x07\x1c\xFF\xD9",
+                                                         28)
+                                           << QStringList{} << "not imported";
         QTest::newRow("empty file") << QByteArray() << QStringList{} << "is empty";
     }
     void read() {
@@ -165,18 +162,11 @@ private slots:
     void exportName_data() {
         QTest::addColumn<QString>("singer");
         QTest::addColumn<QString>("fileName");
-        QTest::newRow("all") << "(All)"
-                             << "(All) History.csv";
-        QTest::newRow("plain") << "Ann"
-                               << "Ann History.csv";
-        QTest::newRow("slash") << "AC/DC"
-                               << "AC-DC History.csv";
-        QTest::newRow("dots") << ".."
-                              << ".. History.csv";
-        QTest::newRow("climbing") << "../../etc/x"
-                                  << "..-..-etc-x History.csv";
-        QTest::newRow("apostrophe") << "O'Neil"
-                                    << "O'Neil History.csv";
+        QTest::newRow("all") << "(All)" << QString("(All) History.csv");
+        QTest::newRow("plain") << "Ann" << QString("Ann History.csv");
+        QTest::newRow("slash") << "AC/DC" << QString("AC-DC History.csv");
+        QTest::newRow("dots") << ".." << QString(".. History.csv");
+        QTest::newRow("climbing") << "../../etc/x" << QString("..-..-etc-x History.csv");
     }
     void exportName() {
         QFETCH(QString, singer);
