@@ -25,6 +25,7 @@ void SearchResultsModel::load(const QSqlDatabase& db, const QString& sql) {
 
 void SearchResultsModel::load(std::unique_ptr<SongRowSource> source) {
     beginResetModel();
+    m_window.reset();
     m_source = std::move(source);
     m_rows.clear();
     m_shown = 0;
@@ -33,8 +34,19 @@ void SearchResultsModel::load(std::unique_ptr<SongRowSource> source) {
     appendRows(m_blockSize);
 }
 
+void SearchResultsModel::load(std::unique_ptr<ListingWindow> window) {
+    beginResetModel();
+    m_source.reset();
+    m_rows.clear();
+    m_more = false;
+    m_window = std::move(window);
+    m_shown = m_window ? m_window->size() : 0;
+    endResetModel();
+}
+
 void SearchResultsModel::clear() {
     beginResetModel();
+    m_window.reset();
     m_source.reset();
     m_rows.clear();
     m_shown = 0;
@@ -77,15 +89,18 @@ void SearchResultsModel::fetchUpTo(int row) {
 qint64 SearchResultsModel::trackId(int row) const {
     if (row < 0 || row >= m_shown)
         throw KvError(380, QStringLiteral("Invalid property value"));
-    return m_rows.id(row);
+    return m_window ? m_window->id(row) : m_rows.id(row);
 }
 
 void SearchResultsModel::setCellText(int row, int column, const QString& text) {
     if (row < 0 || row >= m_shown || column < 1 || column >= kColumns)
         throw KvError(380, QStringLiteral("Invalid property value"));
-    CompactRowStore::Texts t = m_rows.texts(row);
+    CompactRowStore::Texts t = m_window ? m_window->texts(row) : m_rows.texts(row);
     t[column - 1] = text;
-    m_rows.replace(row, t);
+    if (m_window)
+        m_window->replace(row, t);
+    else
+        m_rows.replace(row, t);
     emit dataChanged(index(row, column), index(row, column));
 }
 
@@ -93,8 +108,13 @@ void SearchResultsModel::removeTrackRow(int row) {
     if (row < 0 || row >= m_shown)
         throw KvError(380, QStringLiteral("Invalid property value"));
     beginRemoveRows({}, row, row);
-    m_rows.removeAt(row);
-    m_shown = m_rows.size();
+    if (m_window) {
+        m_window->removeAt(row);
+        m_shown = m_window->size();
+    } else {
+        m_rows.removeAt(row);
+        m_shown = m_rows.size();
+    }
     endRemoveRows();
 }
 
@@ -112,8 +132,9 @@ QVariant SearchResultsModel::data(const QModelIndex& index, int role) const {
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return {};
     if (index.column() == 0)
-        return m_rows.id(index.row());
-    return m_rows.text(index.row(), index.column() - 1);
+        return m_window ? m_window->id(index.row()) : m_rows.id(index.row());
+    return m_window ? m_window->text(index.row(), index.column() - 1)
+                    : m_rows.text(index.row(), index.column() - 1);
 }
 
 QVariant SearchResultsModel::headerData(int section, Qt::Orientation orientation, int role) const {

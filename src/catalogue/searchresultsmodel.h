@@ -32,6 +32,9 @@ public:
     void load(const QSqlDatabase& db, const QString& sql);
     // Replaces the rows with those of `source`, reading its first block.
     void load(std::unique_ptr<SongRowSource> source);
+    // Replaces the rows with the whole catalogue, every row there at once and
+    // its texts read as the view shows them.
+    void load(std::unique_ptr<ListingWindow> window);
     // Empties the model and lets go of the statement.
     void clear();
 
@@ -52,7 +55,7 @@ public:
 
     // The captions of the results list's columns.
     static QStringList captions();
-    qint64 bytesHeld() const { return m_rows.bytesHeld(); }
+    qint64 bytesHeld() const { return m_rows.bytesHeld() + (m_window ? m_window->bytesHeld() : 0); }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -70,6 +73,8 @@ private:
     CompactRowStore m_rows;
     int m_shown = 0;
     std::unique_ptr<SongRowSource> m_source;
+    // Set while the whole catalogue is listed; m_rows is then empty.
+    std::unique_ptr<ListingWindow> m_window;
     bool m_more = false;
     int m_blockSize = kDefaultBlockSize;
 };

@@ -83,12 +83,12 @@ std::unique_ptr<SongRowSource> IndexedSearch(const QSqlDatabase& db, const QStri
     return std::make_unique<IndexedRowSource>(handle, IndexScan(std::move(index), std::move(query)));
 }
 
-std::unique_ptr<SongRowSource> IndexedListing(const QSqlDatabase& db) {
+std::unique_ptr<ListingWindow> IndexedListing(const QSqlDatabase& db) {
     sqlite3* handle = db.isOpen() ? NativeHandle(db) : nullptr;
     if (!handle)
         return nullptr;
     auto index = SongIndexKeeper::instance().current(AccentBlindLike());
     if (!index)
         return nullptr;
-    return std::make_unique<IndexedRowSource>(handle, IndexScan(std::move(index), nullptr));
+    return std::make_unique<ListingWindow>(handle, *index);
 }

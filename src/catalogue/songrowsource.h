@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/compactrowstore.h"
+#include "catalogue/listingwindow.h"
 #include "catalogue/songindex.h"
 #include "catalogue/sqlitestatement.h"
 
@@ -64,4 +65,4 @@ private:
 // the statement.
 std::unique_ptr<SongRowSource> IndexedSearch(const QSqlDatabase& db, const QStringList& words);
 // The whole catalogue in the list's order from the index, or null.
-std::unique_ptr<SongRowSource> IndexedListing(const QSqlDatabase& db);
+std::unique_ptr<ListingWindow> IndexedListing(const QSqlDatabase& db);

@@ -119,8 +119,8 @@ void SearchController::FilterIt() {
 
 void SearchController::LoadAllSongs() {
     Guarded(kLoadAllSongs, 1, [&] { m_list->setUpdateHold(true); });
-    if (std::unique_ptr<SongRowSource> indexed = IndexedListing(dbConnection()))
-        m_list->loadFromSource(std::move(indexed));
+    if (std::unique_ptr<ListingWindow> indexed = IndexedListing(dbConnection()))
+        m_list->loadFromWindow(std::move(indexed));
     else
         loadList(SongSearch::loadAllSql(), kLoadAllSongs, 2);
     Guarded(kLoadAllSongs, 3, [&] { m_list->setColumnWidth(0, 0); });

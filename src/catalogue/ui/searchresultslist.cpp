@@ -35,6 +35,10 @@ void SearchResultsList::loadFromSource(std::unique_ptr<SongRowSource> source) {
     keepingWidths([&] { m_model->load(std::move(source)); });
 }
 
+void SearchResultsList::loadFromWindow(std::unique_ptr<ListingWindow> window) {
+    keepingWidths([&] { m_model->load(std::move(window)); });
+}
+
 void SearchResultsList::keepingWidths(const std::function<void()>& load) {
     // Keep the widths across the reset, which may lay the header out afresh.
     QList<int> widths;

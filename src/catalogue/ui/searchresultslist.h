@@ -10,6 +10,7 @@
 class QTableView;
 class SearchResultsModel;
 class SongRowSource;
+class ListingWindow;
 
 // The results list of the search around the table view that the main window
 // owns: loads itself from a statement, keeps the hidden id column, per-column
@@ -29,6 +30,7 @@ public:
     void loadFromSql(const QSqlDatabase& db, const QString& sql);
     // Replaces the rows with those of `source`.
     void loadFromSource(std::unique_ptr<SongRowSource> source);
+    void loadFromWindow(std::unique_ptr<ListingWindow> window);
     void clear();
     int rowCount() const;
 

@@ -1,0 +1,77 @@
+#include "listingwindow.h"
+
+#include "catalogue/database.h"
+#include "catalogue/sqlitestatement.h"
+
+ListingWindow::ListingWindow(sqlite3* db, const SongIndex& index)
+    : m_db(db), m_generation(ConnectionGeneration()) {
+    m_ids.reserve(size_t(index.size()));
+    for (qsizetype row = 0; row < index.size(); ++row)
+        m_ids.push_back(index.id(row));
+}
+
+void ListingWindow::replace(int row, const Texts& texts) {
+    m_edits.insert(id(row), texts);
+}
+
+void ListingWindow::removeAt(int row) {
+    m_edits.remove(id(row));
+    m_ids.erase(m_ids.begin() + row);
+    // The rows after it moved up: the blocks read no longer fit them.
+    m_blocks.clear();
+    m_blockOrder.clear();
+}
+
+const ListingWindow::Texts& ListingWindow::textsOf(int row) const {
+    if (!m_edits.isEmpty()) {
+        const auto edited = m_edits.constFind(id(row));
+        if (edited != m_edits.constEnd())
+            return *edited;
+    }
+    const int block = row / kBlockRows;
+    auto found = m_blocks.find(block);
+    if (found == m_blocks.end()) {
+        readBlock(block);
+        found = m_blocks.find(block);
+    }
+    return found->second[size_t(row % kBlockRows)];
+}
+
+void ListingWindow::readBlock(int block) const {
+    if (int(m_blockOrder.size()) >= kBlocksKept) {
+        m_blocks.erase(m_blockOrder.front());
+        m_blockOrder.pop_front();
+    }
+    const int first = block * kBlockRows;
+    const int count = qMin(kBlockRows, size() - first);
+    std::vector<Texts> texts(size_t(qMax(0, count)));
+    // A connection closed and opened since has other rows: show none.
+    if (m_generation == ConnectionGeneration() && count > 0) {
+        // A statement standing on its row keeps one read open for the block.
+        SqliteStatement hold(m_db, "Select 1 From tblKaraokeTracks Limit 1");
+        hold.next();
+        SqliteStatement lookup(
+            m_db,
+            "Select ArtistName, TrackName, DiscName, TrackNo From tblKaraokeTracks Where KaraokeTrackID = ?");
+        for (int i = 0; lookup.ok() && i < count; ++i) {
+            lookup.bind(1, id(first + i));
+            if (lookup.next())
+                for (int c = 0; c < CompactRowStore::kTexts; ++c) {
+                    const QByteArrayView t = lookup.text(c);
+                    texts[size_t(i)][size_t(c)] = QString::fromUtf8(t.data(), t.size());
+                }
+            lookup.reset();
+        }
+    }
+    m_blocks.emplace(block, std::move(texts));
+    m_blockOrder.push_back(block);
+}
+
+qint64 ListingWindow::bytesHeld() const {
+    qint64 bytes = qint64(m_ids.capacity() * sizeof(qint64));
+    for (const auto& [block, rows] : m_blocks)
+        for (const Texts& t : rows)
+            for (const QString& s : t)
+                bytes += s.size() * 2;
+    return bytes;
+}
