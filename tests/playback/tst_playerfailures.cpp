@@ -14,8 +14,6 @@
 #include "workspace.h"
 
 #include <QCoreApplication>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QProcess>
 #include <QScopeGuard>
 #include <QTemporaryDir>
@@ -298,33 +296,6 @@ private slots:
             QCOMPARE(TestWorkspace::errorLogRecords(), 0);
         }
         rig.starter.StopSong();
-    }
-
-    // A password-protected zip under an awkward folder name, through the song
-    // start to the real player: it plays, in its key, and stops clean.
-    void realSongThroughPlayKaraoke() {
-        StarterRig rig(m_wrapper);
-        QVERIFY(rig.link.StartPlayer());
-        QVERIFY(rig.pm.FindPaceMaker());
-        const QString path = m_dir.filePath("Songs, \"Ünï\"/Artist - Title's.zip");
-        QVERIFY(makeZip(path,
-                        {{"inner.cdg", cdgStream(6.0, 1.0), true},
-                         {"inner.mp3", readFile(m_dir.filePath("song.mp3")), true}},
-                        "k4raoke"));
-        oSettings->SaveStringValue("Settings", "mus", CEncryptEx::encipher("k4raoke"));
-        BuildArchivePassword();
-        rig.queue.rows = {song("Ann", path, 2)};
-        QVERIFY(rig.starter.PlayKaraoke(0));
-        QTRY_COMPARE_WITH_TIMEOUT(rig.link.GetStatus(), QStringLiteral("PLAYING"), kPlayerSlack);
-        QTRY_COMPARE_WITH_TIMEOUT(rig.link.GetLengthSeconds(), 6, kPlayerSlack);
-        QVERIFY(rig.playing().endsWith(".play.cdg"));
-        QVERIFY(QJsonDocument(rig.link.connection().property("af").value_or(QJsonValue()).toArray())
-                    .toJson()
-                    .contains("1.122462"));
-        QVERIFY(m_prompts->calls.isEmpty());
-        rig.starter.StopSong();
-        QCOMPARE(rig.link.GetStatus(), QStringLiteral("STOPPED"));
-        QVERIFY(rig.link.connection().property("af").value_or(QJsonValue()).toArray().isEmpty());
     }
 };
 
