@@ -38,25 +38,23 @@ private slots:
         QTest::addColumn<Rows>("expected");
         QTest::addColumn<bool>("utf8");
 
-        QTest::newRow("our export") << QByteArray("\"Column1\",\"Singer\"\r\n\"/s/a.zip\",\"Ann\"\r\n")
-                                    << Rows{{"Column1", "Singer"}, {"/s/a.zip", "Ann"}} << true;
-        QTest::newRow("LF ends, last line without its end")
-            << QByteArray("a,b\n1,2\n3,4") << Rows{{"a", "b"}, {"1", "2"}, {"3", "4"}} << true;
-        QTest::newRow("byte-order mark skipped")
-            << QByteArray("\xEF\xBB\xBF\"Sänger\",5\r\n") << Rows{{"Sänger", "5"}} << true;
-        QTest::newRow("comma, doubled quote and line break inside quotes")
-            << QByteArray("\"Smith, John\",\"say \"\"hi\"\"\",\"two\r\nlines\"\r\n")
-            << Rows{{"Smith, John", "say \"hi\"", "two\r\nlines"}} << true;
-        QTest::newRow("older Windows file in its code page")
-            << QByteArray("\"Caf\xE9\",\"\x93Quoted\x94\",\"\x80\"\r\n")
-            << Rows{{"Café", "\u201CQuoted\u201D", "\u20AC"}} << false;
-        QTest::newRow("one stray byte makes the whole file Windows-1252")
-            << QByteArray("\"\xC3\xA9\"\r\n\"\xE9\"\r\n") << Rows{{"Ã©"}, {"é"}} << false;
-        QTest::newRow("more than five columns kept")
-            << QByteArray("p,s,a,t,k,x,y\r\n") << Rows{{"p", "s", "a", "t", "k", "x", "y"}} << true;
-        QTest::newRow("empty fields are empty texts")
-            << QByteArray(",\"\",x\r\n") << Rows{{"", "", "x"}} << true;
-        QTest::newRow("empty file") << QByteArray() << Rows{} << true;
+        const auto row = [](const char* tag, const QByteArray& bytes, const Rows& rows, bool utf8 = true) {
+            QTest::newRow(tag) << bytes << rows << utf8;
+        };
+        row("our export", "\"Column1\",\"Singer\"\r\n\"/s/a.zip\",\"Ann\"\r\n",
+            {{"Column1", "Singer"}, {"/s/a.zip", "Ann"}});
+        row("LF ends, last line without its end", "a,b\n1,2\n3,4", {{"a", "b"}, {"1", "2"}, {"3", "4"}});
+        row("byte-order mark skipped", "\xEF\xBB\xBF\"Sänger\",5\r\n", {{"Sänger", "5"}});
+        row("comma, doubled quote and line break inside quotes",
+            "\"Smith, John\",\"say \"\"hi\"\"\",\"two\r\nlines\"\r\n",
+            {{"Smith, John", "say \"hi\"", "two\r\nlines"}});
+        row("older Windows file in its code page", "\"Caf\xE9\",\"\x93Quoted\x94\",\"\x80\"\r\n",
+            {{"Café", "\u201CQuoted\u201D", "\u20AC"}}, false);
+        row("one stray byte makes the whole file Windows-1252", "\"\xC3\xA9\"\r\n\"\xE9\"\r\n",
+            {{"Ã©"}, {"é"}}, false);
+        row("more than five columns kept", "p,s,a,t,k,x,y\r\n", {{"p", "s", "a", "t", "k", "x", "y"}});
+        row("empty fields are empty texts", ",\"\",x\r\n", {{"", "", "x"}});
+        row("empty file", QByteArray(), {});
     }
     void readsFileForms() {
         QFETCH(QByteArray, bytes);

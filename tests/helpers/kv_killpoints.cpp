@@ -5,9 +5,6 @@
 //
 //   kv_killpoints hold-lock
 //       takes the working folder's lock file and waits.
-//   kv_killpoints rows N
-//       commits N songs into the catalogue, leaves them in the write-ahead
-//       log, and waits ("committed").
 //   kv_killpoints import FOLDER
 //       imports FOLDER and waits once the first batch of rows is committed
 //       ("committed").
@@ -48,97 +45,43 @@ namespace {
 // ---------------------------------------------------------------- a VFS that stops
 
 // Wraps the default SQLite VFS of the process (the one every connection,
-// Qt's included, uses) and counts what happens to a database file that did
-// not exist when it was opened: the new copy a compaction writes.
+// Qt's included, uses) and watches a database file that did not exist when
+// it was opened: the new copy a compaction writes. That file alone gets
+// methods of its own, which count its writes and see it closed before the
+// real methods do the work.
 std::string g_point;
 int g_writes = 0;
 bool g_copyClosed = false;
 sqlite3_vfs* g_real = nullptr;
 sqlite3_vfs g_vfs;
-sqlite3_io_methods g_methods;
+const sqlite3_io_methods* g_realMethods = nullptr;
+sqlite3_io_methods g_copyMethods;
 
-struct File {
-    sqlite3_file base;
-    sqlite3_file* real;
-    bool copy;
-};
-
-sqlite3_file* real(sqlite3_file* f) {
-    return reinterpret_cast<File*>(f)->real;
+int copyClose(sqlite3_file* f) {
+    if (g_point == "copy-closed")
+        stopHere("copy-closed");
+    g_copyClosed = true;
+    return g_realMethods->xClose(f);
 }
-
-int fClose(sqlite3_file* f) {
-    File* file = reinterpret_cast<File*>(f);
-    if (file->copy) {
-        if (g_point == "copy-closed")
-            stopHere("copy-closed");
-        g_copyClosed = true;
-    }
-    return file->real->pMethods->xClose(file->real);
-}
-int fRead(sqlite3_file* f, void* b, int n, sqlite3_int64 at) {
-    return real(f)->pMethods->xRead(real(f), b, n, at);
-}
-int fWrite(sqlite3_file* f, const void* b, int n, sqlite3_int64 at) {
-    if (reinterpret_cast<File*>(f)->copy && g_point == "write:" + std::to_string(++g_writes))
+int copyWrite(sqlite3_file* f, const void* b, int n, sqlite3_int64 at) {
+    if (g_point == "write:" + std::to_string(++g_writes))
         stopHere(g_point.c_str());
-    return real(f)->pMethods->xWrite(real(f), b, n, at);
-}
-int fTruncate(sqlite3_file* f, sqlite3_int64 n) {
-    return real(f)->pMethods->xTruncate(real(f), n);
-}
-int fSync(sqlite3_file* f, int flags) {
-    return real(f)->pMethods->xSync(real(f), flags);
-}
-int fSize(sqlite3_file* f, sqlite3_int64* n) {
-    return real(f)->pMethods->xFileSize(real(f), n);
-}
-int fLock(sqlite3_file* f, int l) {
-    return real(f)->pMethods->xLock(real(f), l);
-}
-int fUnlock(sqlite3_file* f, int l) {
-    return real(f)->pMethods->xUnlock(real(f), l);
-}
-int fReserved(sqlite3_file* f, int* r) {
-    return real(f)->pMethods->xCheckReservedLock(real(f), r);
-}
-int fControl(sqlite3_file* f, int op, void* a) {
-    return real(f)->pMethods->xFileControl(real(f), op, a);
-}
-int fSector(sqlite3_file* f) {
-    return real(f)->pMethods->xSectorSize(real(f));
-}
-int fDevice(sqlite3_file* f) {
-    return real(f)->pMethods->xDeviceCharacteristics(real(f));
-}
-int fShmMap(sqlite3_file* f, int i, int n, int w, void volatile** p) {
-    return real(f)->pMethods->xShmMap(real(f), i, n, w, p);
-}
-int fShmLock(sqlite3_file* f, int o, int n, int fl) {
-    return real(f)->pMethods->xShmLock(real(f), o, n, fl);
-}
-void fShmBarrier(sqlite3_file* f) {
-    real(f)->pMethods->xShmBarrier(real(f));
-}
-int fShmUnmap(sqlite3_file* f, int d) {
-    return real(f)->pMethods->xShmUnmap(real(f), d);
-}
-int fFetch(sqlite3_file* f, sqlite3_int64 at, int n, void** p) {
-    return real(f)->pMethods->xFetch(real(f), at, n, p);
-}
-int fUnfetch(sqlite3_file* f, sqlite3_int64 at, void* p) {
-    return real(f)->pMethods->xUnfetch(real(f), at, p);
+    return g_realMethods->xWrite(f, b, n, at);
 }
 
 int vOpen(sqlite3_vfs*, const char* name, sqlite3_file* f, int flags, int* outFlags) {
-    File* file = reinterpret_cast<File*>(f);
-    file->real = reinterpret_cast<sqlite3_file*>(file + 1);
     const bool mainDb = (flags & SQLITE_OPEN_MAIN_DB) != 0 && name;
     if (mainDb && g_copyClosed && g_point == "reopen" && std::strstr(name, "/kvsonglist.mdb"))
         stopHere("reopen");
-    file->copy = mainDb && !g_point.empty() && ::access(name, F_OK) != 0;
-    const int rc = g_real->xOpen(g_real, name, file->real, flags, outFlags);
-    f->pMethods = rc == SQLITE_OK ? &g_methods : nullptr;
+    const bool copy = mainDb && !g_point.empty() && ::access(name, F_OK) != 0;
+    const int rc = g_real->xOpen(g_real, name, f, flags, outFlags);
+    if (rc == SQLITE_OK && copy && f->pMethods) {
+        g_realMethods = f->pMethods;
+        g_copyMethods = *f->pMethods;
+        g_copyMethods.xClose = copyClose;
+        g_copyMethods.xWrite = copyWrite;
+        f->pMethods = &g_copyMethods;
+    }
     return rc;
 }
 
@@ -146,11 +89,7 @@ void installStoppingVfs() {
     g_real = sqlite3_vfs_find(nullptr);
     g_vfs = *g_real;
     g_vfs.zName = "kv-killpoints";
-    g_vfs.szOsFile = int(sizeof(File)) + g_real->szOsFile;
     g_vfs.xOpen = vOpen;
-    g_methods = {3,        fClose,      fRead,     fWrite,   fTruncate, fSync,   fSize,
-                 fLock,    fUnlock,     fReserved, fControl, fSector,   fDevice, fShmMap,
-                 fShmLock, fShmBarrier, fShmUnmap, fFetch,   fUnfetch};
     sqlite3_vfs_register(&g_vfs, 1);
 }
 
@@ -207,10 +146,6 @@ int main(int argc, char** argv) {
     }
     if (!openAsTheProgram())
         return 1;
-    if (scenario == QLatin1String("rows")) {
-        commitSongs(args.value(1).toInt());
-        stopHere("committed");
-    }
     if (scenario == QLatin1String("import")) {
         ImportRun run;
         run.setSettlePause(0);

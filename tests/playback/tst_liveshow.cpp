@@ -97,35 +97,6 @@ private slots:
         m_ws.reset();
     }
 
-    // Pause, then Pause again: the song goes on from where it was paused.
-    void pauseThenPauseGoesOn() {
-        QVERIFY(startShow(1));
-        QVERIFY(QTest::qWaitFor([this] { return m_rig->position() >= 2.0; }, kPlayerSlack));
-        m_rig->transport.btnPause_Click();
-        QCOMPARE(m_rig->link.GetStatus(), QStringLiteral("PAUSED"));
-        // The player may still count the frame it was in when the pause came.
-        const double pausing = m_rig->position();
-        QTest::qWait(300);
-        const double pausedAt = m_rig->position();
-        QVERIFY2(pausedAt - pausing < 0.1, qPrintable(QStringLiteral("%1 to %2").arg(pausing).arg(pausedAt)));
-        m_rig->transport.btnPause_Click();
-        QCOMPARE(m_rig->link.GetStatus(), QStringLiteral("PLAYING"));
-        // The position never falls back while the song goes on.
-        double lowest = pausedAt;
-        QVERIFY(QTest::qWaitFor(
-            [&] {
-                const double at = m_rig->position();
-                lowest = at < 0 ? lowest : std::min(lowest, at);
-                return at > pausedAt + 1.0;
-            },
-            kPlayerSlack));
-        QVERIFY2(lowest >= pausedAt - 0.1,
-                 qPrintable(QStringLiteral("%1 after %2").arg(lowest).arg(pausedAt)));
-        QCOMPARE(m_rig->playing(), m_songs[0]);
-        QCOMPARE(m_rig->starts(), 1);
-        QVERIFY(m_prompts->calls.isEmpty());
-    }
-
     // A player frozen for three seconds in the middle of a song, Auto Play on:
     // afterwards the same song goes on and the queue has not moved. Meanwhile
     // the window is never held for long, the clock keeps what it showed, and

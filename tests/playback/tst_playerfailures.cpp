@@ -14,8 +14,6 @@
 #include "workspace.h"
 
 #include <QCoreApplication>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QProcess>
 #include <QScopeGuard>
 #include <QTemporaryDir>
@@ -79,6 +77,18 @@ bool resetMemoryPeak() {
     QFile clear(QStringLiteral("/proc/self/clear_refs"));
     return clear.open(QIODevice::WriteOnly) && clear.write("5") == 1;
 }
+
+// A real player (silent and blind) with the song start on fakes of the queue and labels.
+struct StarterRig {
+    QStringList journal;
+    WinAMP_Control link;
+    FakeQueue queue{journal};
+    FakeView view{journal};
+    modPacemaker pm{link};
+    SongStarter starter{link, pm, queue, view};
+    explicit StarterRig(const QString& player) { link.setWinampPath(player); }
+    QString playing() { return link.connection().property("path").value_or(QJsonValue()).toString(); }
+};
 
 } // namespace
 
@@ -169,8 +179,6 @@ private slots:
         QCOMPARE(m_prompts->countTitle(kNotFound), 1);
     }
 
-    // The queue is restored even when no player is set; the player found at
-    // start-up is made ready, and ended at shutdown, once.
     // A program that crashes must not leave a player behind, neither the
     // karaoke player nor the jingle engine.
     void playerDiesWithTheProgram() {
@@ -193,6 +201,8 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(processGone(jingles), 10000);
     }
 
+    // The queue is restored even when no player is set; the player found at
+    // start-up is made ready, and ended at shutdown, once.
     void startupAndShutdown() {
         bool restored = false;
         const auto say = [](const QString&) {};
@@ -250,14 +260,8 @@ private slots:
     void largeGraphicsBesideAnMp3() {
         QFETCH(qint64, size);
         QFETCH(bool, plays);
-        QStringList journal;
-        WinAMP_Control link;
-        link.setWinampPath(m_wrapper);
-        QVERIFY(link.StartPlayer());
-        FakeQueue queue(journal);
-        FakeView view(journal);
-        modPacemaker pm(link);
-        SongStarter starter(link, pm, queue, view);
+        StarterRig rig(m_wrapper);
+        QVERIFY(rig.link.StartPlayer());
         const QString audio = m_dir.filePath("Large.mp3");
         QVERIFY(QFile::copy(m_dir.filePath("song.mp3"), audio));
         QFile cdg(m_dir.filePath("Large.cdg"));
@@ -268,63 +272,30 @@ private slots:
         });
         QVERIFY(cdg.open(QIODevice::WriteOnly) && cdg.resize(size)); // sparse: no room taken on the disk
         cdg.close();
-        queue.rows = {song("Ann", audio), song("Bob", audio)};
+        rig.queue.rows = {song("Ann", audio), song("Bob", audio)};
 
         const qint64 before = memoryLine("VmRSS:");
         const bool measured = resetMemoryPeak();
-        QCOMPARE(starter.PlayKaraoke(0), plays);
+        QCOMPARE(rig.starter.PlayKaraoke(0), plays);
         const qint64 grown = memoryLine("VmHWM:") - before;
         if (measured)
             QVERIFY2(grown < 32 * 1024, qPrintable(QStringLiteral("%1 kB more").arg(grown)));
-        QCOMPARE(queue.rowCount(), plays ? 1 : 2);
+        QCOMPARE(rig.queue.rowCount(), plays ? 1 : 2);
         QCOMPARE(m_prompts->boxTitles(), plays ? QStringList{} : QStringList{"CDG File Too Large"});
         if (plays) {
             // The player reads as playing from the play command on; the file it
             // plays is known once it has begun to load it.
-            QTRY_COMPARE_WITH_TIMEOUT(link.connection().property("path").value_or(QJsonValue()).toString(),
+            QTRY_COMPARE_WITH_TIMEOUT(rig.playing(),
                                       CdgNormaliser::copyPathFor(cdg.fileName(), SongStarter::unpackFolder()),
                                       kPlayerSlack);
-            QCOMPARE(link.GetStatus(), QStringLiteral("PLAYING"));
+            QCOMPARE(rig.link.GetStatus(), QStringLiteral("PLAYING"));
         } else {
             QVERIFY(m_prompts->calls[0].text.contains(cdg.fileName()));
             QVERIFY(m_prompts->calls[0].text.contains("64 MB"));
-            QCOMPARE(link.GetStatus(), QStringLiteral("STOPPED"));
+            QCOMPARE(rig.link.GetStatus(), QStringLiteral("STOPPED"));
             QCOMPARE(TestWorkspace::errorLogRecords(), 0);
         }
-        starter.StopSong();
-    }
-
-    // A password-protected zip under an awkward folder name, through the song
-    // start to the real player: it plays, in its key, and stops clean.
-    void realSongThroughPlayKaraoke() {
-        QStringList journal;
-        WinAMP_Control link;
-        link.setWinampPath(m_wrapper);
-        QVERIFY(link.StartPlayer());
-        FakeQueue queue(journal);
-        FakeView view(journal);
-        modPacemaker pm(link);
-        QVERIFY(pm.FindPaceMaker());
-        SongStarter starter(link, pm, queue, view);
-        const QString path = m_dir.filePath("Songs, \"Ünï\"/Artist - Title's.zip");
-        QVERIFY(makeZip(path,
-                        {{"inner.cdg", cdgStream(6.0, 1.0), true},
-                         {"inner.mp3", readFile(m_dir.filePath("song.mp3")), true}},
-                        "k4raoke"));
-        oSettings->SaveStringValue("Settings", "mus", CEncryptEx::encipher("k4raoke"));
-        BuildArchivePassword();
-        queue.rows = {song("Ann", path, 2)};
-        QVERIFY(starter.PlayKaraoke(0));
-        QTRY_COMPARE_WITH_TIMEOUT(link.GetStatus(), QStringLiteral("PLAYING"), kPlayerSlack);
-        QTRY_COMPARE_WITH_TIMEOUT(link.GetLengthSeconds(), 6, kPlayerSlack);
-        QVERIFY(link.connection().property("path").value_or(QJsonValue()).toString().endsWith(".play.cdg"));
-        QVERIFY(QJsonDocument(link.connection().property("af").value_or(QJsonValue()).toArray())
-                    .toJson()
-                    .contains("1.122462"));
-        QVERIFY(m_prompts->calls.isEmpty());
-        starter.StopSong();
-        QCOMPARE(link.GetStatus(), QStringLiteral("STOPPED"));
-        QVERIFY(link.connection().property("af").value_or(QJsonValue()).toArray().isEmpty());
+        rig.starter.StopSong();
     }
 };
 

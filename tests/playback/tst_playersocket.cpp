@@ -82,30 +82,17 @@ private slots:
         QTest::addColumn<QString>("runtime"); // "private", "open", "none" or "too long"
         QTest::addColumn<QString>("squat");   // what stands at the fixed name already
         QTest::addColumn<QString>("where");   // "runtime", "fixed" or "fresh"
-        QTest::newRow("private runtime folder") << "private"
-                                                << ""
-                                                << "runtime";
-        QTest::newRow("no runtime folder") << "none"
-                                           << ""
-                                           << "fixed";
-        QTest::newRow("runtime folder open to others") << "open"
-                                                       << ""
-                                                       << "fixed";
-        QTest::newRow("runtime folder too deep for a socket") << "too long"
-                                                              << ""
-                                                              << "fixed";
-        QTest::newRow("fixed folder already private") << "none"
-                                                      << "private"
-                                                      << "fixed";
-        QTest::newRow("fixed folder open to others") << "none"
-                                                     << "open"
-                                                     << "fresh";
-        QTest::newRow("fixed name is a link") << "none"
-                                              << "link"
-                                              << "fresh";
-        QTest::newRow("fixed folder of another user") << "none"
-                                                      << "foreign"
-                                                      << "fresh";
+        const auto row = [](const char* tag, const char* runtime, const char* squat, const char* where) {
+            QTest::newRow(tag) << QString(runtime) << QString(squat) << QString(where);
+        };
+        row("private runtime folder", "private", "", "runtime");
+        row("no runtime folder", "none", "", "fixed");
+        row("runtime folder open to others", "open", "", "fixed");
+        row("runtime folder too deep for a socket", "too long", "", "fixed");
+        row("fixed folder already private", "none", "private", "fixed");
+        row("fixed folder open to others", "none", "open", "fresh");
+        row("fixed name is a link", "none", "link", "fresh");
+        row("fixed folder of another user", "none", "foreign", "fresh");
     }
     void socketLiesInAPrivateFolder() {
         QFETCH(QString, runtime);

@@ -11,42 +11,39 @@
 
 using namespace queuetest;
 
-class TestQueueAdder : public QObject {
-    Q_OBJECT
-    std::unique_ptr<ScriptedPrompts> m_prompts;
-    std::unique_ptr<TestWorkspace> m_ws;
-    std::unique_ptr<QueueModel> m_model;
-    std::unique_ptr<QueueAdder> m_adder;
-    FakePerformerPrompt m_dialogs;
-    FakeHook m_hook;
-    int m_saves = 0;
+namespace {
+
+// The adder over a queue list of its own, its dialogs scripted and its saves counted.
+struct AdderRig {
+    ScriptedPrompts prompts;
+    TestWorkspace ws;
+    QueueModel model;
+    FakePerformerPrompt dialogs;
+    FakeHook hook;
+    int saves = 0;
+    QueueAdder adder{model, [this] { ++saves; }, [this]() -> PerformerPrompt& { return dialogs; }};
+    AdderRig() { adder.setKeyboardHook(&hook); }
 
     QString row(int i) const {
         QStringList cells;
         for (int c = 0; c < QueueModel::ColumnCount; ++c)
-            cells << m_model->cellText(i, c);
-        return cells.join(QLatin1Char('|')) + QLatin1Char('@') + m_model->itemTag(i);
+            cells << model.cellText(i, c);
+        return cells.join(QLatin1Char('|')) + QLatin1Char('@') + model.itemTag(i);
     }
+};
+
+} // namespace
+
+class TestQueueAdder : public QObject {
+    Q_OBJECT
+    std::unique_ptr<AdderRig> m_rig;
 
 private slots:
     void init() {
         Cfg = AppSettings{};
-        m_prompts = std::make_unique<ScriptedPrompts>();
-        m_ws = std::make_unique<TestWorkspace>();
-        m_model = std::make_unique<QueueModel>();
-        m_dialogs = FakePerformerPrompt{};
-        m_hook = FakeHook{};
-        m_saves = 0;
-        m_adder = std::make_unique<QueueAdder>(
-            *m_model, [this] { ++m_saves; }, [this]() -> PerformerPrompt& { return m_dialogs; });
-        m_adder->setKeyboardHook(&m_hook);
+        m_rig = std::make_unique<AdderRig>();
     }
-    void cleanup() {
-        m_adder.reset();
-        m_model.reset();
-        m_ws.reset();
-        m_prompts.reset();
-    }
+    void cleanup() { m_rig.reset(); }
 
     void addSongFromSearch_data() {
         QTest::addColumn<bool>("promptOn");
@@ -70,35 +67,35 @@ private slots:
         QFETCH(QString, expectedRow);
         Cfg.PromptForPerfomer = promptOn;
         Cfg.DefaultName = QStringLiteral("Host Default");
-        const qint64 id = m_ws->addSongs({"Abba - Waterloo"}).first();
+        const qint64 id = m_rig->ws.addSongs({"Abba - Waterloo"}).first();
         if (cancel)
-            m_dialogs.cancel();
+            m_rig->dialogs.cancel();
         else
-            m_dialogs.ok(QStringLiteral("Jo Ann"), -2);
-        m_adder->AddSongToQueue(id);
-        QCOMPARE(m_model->rowCount(), expectedRow.isEmpty() ? 0 : 1);
+            m_rig->dialogs.ok(QStringLiteral("Jo Ann"), -2);
+        m_rig->adder.AddSongToQueue(id);
+        QCOMPARE(m_rig->model.rowCount(), expectedRow.isEmpty() ? 0 : 1);
         if (!expectedRow.isEmpty())
-            QCOMPARE(row(0), expectedRow);
-        QTEST(m_saves, "saves");
-        QTEST(m_hook.calls, "hook");
-        QTEST(m_dialogs.shown, "dialogs");
+            QCOMPARE(m_rig->row(0), expectedRow);
+        QTEST(m_rig->saves, "saves");
+        QTEST(m_rig->hook.calls, "hook");
+        QTEST(m_rig->dialogs.shown, "dialogs");
         QCOMPARE(TestWorkspace::errorLogRecords(), 0);
     }
 
     // None marked: the host is told and nothing is added; otherwise one of the
     // marked songs joins the queue and it is saved.
     void kamikaze() {
-        const QList<qint64> ids = m_ws->addSongs({"A - 1", "B - 2", "C - 3", "D - 4"});
-        m_dialogs.ok(QStringLiteral("Kim"), 1);
-        m_adder->LoadKamikazeTrack();
-        QCOMPARE(m_model->rowCount(), 0);
-        QCOMPARE(m_prompts->countTitle(QStringLiteral("No Songs Available")), 1);
+        const QList<qint64> ids = m_rig->ws.addSongs({"A - 1", "B - 2", "C - 3", "D - 4"});
+        m_rig->dialogs.ok(QStringLiteral("Kim"), 1);
+        m_rig->adder.LoadKamikazeTrack();
+        QCOMPARE(m_rig->model.rowCount(), 0);
+        QCOMPARE(m_rig->prompts.countTitle(QStringLiteral("No Songs Available")), 1);
         ExecuteSql(QStringLiteral("UPDATE tblKaraokeTracks SET Kamikaze = 1 WHERE KaraokeTrackID <> %1")
                        .arg(ids.at(3)));
-        m_adder->LoadKamikazeTrack();
-        QCOMPARE(m_model->rowCount(), 1);
-        QCOMPARE(m_saves, 1);
-        QVERIFY2(m_model->itemTag(0) < QStringLiteral("/songs/D"), qPrintable(m_model->itemTag(0)));
+        m_rig->adder.LoadKamikazeTrack();
+        QCOMPARE(m_rig->model.rowCount(), 1);
+        QCOMPARE(m_rig->saves, 1);
+        QVERIFY2(m_rig->model.itemTag(0) < QStringLiteral("/songs/D"), qPrintable(m_rig->model.itemTag(0)));
     }
 
     // The dialog is preset with the row's singer and key 0; a cancel hands
@@ -114,25 +111,25 @@ private slots:
     }
     void changeSinger() {
         QFETCH(bool, cancel);
-        addRows(*m_model, {"First"});
-        m_model->addItem({QString(), QStringLiteral("Bob"), QStringLiteral("Art"), QStringLiteral("Trk"),
-                          QStringLiteral("3")},
-                         QStringLiteral("/p"));
+        addRows(m_rig->model, {"First"});
+        m_rig->model.addItem({QString(), QStringLiteral("Bob"), QStringLiteral("Art"), QStringLiteral("Trk"),
+                              QStringLiteral("3")},
+                             QStringLiteral("/p"));
         if (cancel)
-            m_dialogs.cancel();
+            m_rig->dialogs.cancel();
         else
-            m_dialogs.ok(QStringLiteral("Zed"), -1);
-        m_adder->ChangeSingerOnQueueRow(1);
-        QCOMPARE(m_dialogs.shown, QStringList{QStringLiteral("change:Bob:0")});
-        QTEST(m_model->cellText(1, QueueModel::ColPerformer), "newPerformer");
-        QTEST(m_model->cellText(1, QueueModel::ColKey), "newKey");
-        QCOMPARE(m_model->cellText(0, QueueModel::ColPerformer), QStringLiteral("First"));
-        QCOMPARE(m_saves, 1);
+            m_rig->dialogs.ok(QStringLiteral("Zed"), -1);
+        m_rig->adder.ChangeSingerOnQueueRow(1);
+        QCOMPARE(m_rig->dialogs.shown, QStringList{QStringLiteral("change:Bob:0")});
+        QTEST(m_rig->model.cellText(1, QueueModel::ColPerformer), "newPerformer");
+        QTEST(m_rig->model.cellText(1, QueueModel::ColKey), "newKey");
+        QCOMPARE(m_rig->model.cellText(0, QueueModel::ColPerformer), QStringLiteral("First"));
+        QCOMPARE(m_rig->saves, 1);
         // No row: no dialog, no save.
         for (int row : {-1, 2})
-            m_adder->ChangeSingerOnQueueRow(row);
-        QCOMPARE(m_dialogs.shown.size(), 1);
-        QCOMPARE(m_saves, 1);
+            m_rig->adder.ChangeSingerOnQueueRow(row);
+        QCOMPARE(m_rig->dialogs.shown.size(), 1);
+        QCOMPARE(m_rig->saves, 1);
     }
 };
 

@@ -34,46 +34,43 @@ enum Action {
     ActSortByHeader
 };
 
+// The queue's controller over a list view, its dialogs scripted.
+struct ControllerRig {
+    ScriptedPrompts prompts;
+    TestWorkspace ws;
+    QTableView list;
+    FakePerformerPrompt dialogs;
+    FakeHook hook;
+    QueueController queue;
+    ControllerRig() {
+        queue.attachList(&list);
+        queue.setPerformerPrompt(&dialogs);
+        queue.setKeyboardHook(&hook);
+    }
+};
+
 } // namespace
 
 class TestQueueController : public QObject {
     Q_OBJECT
-    std::unique_ptr<ScriptedPrompts> m_prompts;
-    std::unique_ptr<TestWorkspace> m_ws;
-    std::unique_ptr<QTableView> m_list;
-    std::unique_ptr<QueueController> m_queue;
-    FakePerformerPrompt m_dialogs;
-    FakeHook m_hook;
+    std::unique_ptr<ControllerRig> m_rig;
 
-    QueueModel& model() { return *m_queue->model(); }
+    QueueModel& model() { return *m_rig->queue.model(); }
 
     // A saved queue of four rows, as start-up brings it back.
     void startWithSavedQueue() {
         QueueModel seed;
         addRows(seed, {"A", "B", "C", "D"});
         QVERIFY(SaveQueue(seed));
-        m_queue->RestoreQueue();
+        m_rig->queue.RestoreQueue();
     }
 
 private slots:
     void init() {
         Cfg = AppSettings{};
-        m_prompts = std::make_unique<ScriptedPrompts>();
-        m_ws = std::make_unique<TestWorkspace>();
-        m_list = std::make_unique<QTableView>();
-        m_queue = std::make_unique<QueueController>();
-        m_queue->attachList(m_list.get());
-        m_queue->setPerformerPrompt(&m_dialogs);
-        m_queue->setKeyboardHook(&m_hook);
-        m_dialogs = FakePerformerPrompt{};
-        m_hook = FakeHook{};
+        m_rig = std::make_unique<ControllerRig>();
     }
-    void cleanup() {
-        m_queue.reset();
-        m_list.reset();
-        m_ws.reset();
-        m_prompts.reset();
-    }
+    void cleanup() { m_rig.reset(); }
 
     // Which changes reach tblQueue at once, and which wait for the next save.
     void savingRules_data() {
@@ -98,33 +95,33 @@ private slots:
         QFETCH(bool, saves);
         startWithSavedQueue();
         const QStringList before = savedRows();
-        m_queue->setSelectedIndex(2);
-        const QList<qint64> ids = m_ws->addSongs({"Kami - Kaze"});
+        m_rig->queue.setSelectedIndex(2);
+        const QList<qint64> ids = m_rig->ws.addSongs({"Kami - Kaze"});
         switch (Action(action)) {
         default: // the five queue buttons
-            m_queue->btnQueueOptions_Click(action);
+            m_rig->queue.btnQueueOptions_Click(action);
             break;
         case ActChangeSinger:
-            m_dialogs.ok(QStringLiteral("Zoe"), 2);
-            m_queue->ChangeSingerOnQueueRow();
+            m_rig->dialogs.ok(QStringLiteral("Zoe"), 2);
+            m_rig->queue.ChangeSingerOnQueueRow();
             break;
         case ActAddFromSearch:
-            m_dialogs.ok(QStringLiteral("Eve"), 1);
-            m_queue->AddSongToQueue(ids.first());
+            m_rig->dialogs.ok(QStringLiteral("Eve"), 1);
+            m_rig->queue.AddSongToQueue(ids.first());
             break;
         case ActKamikaze:
             ExecuteSql(QStringLiteral("UPDATE tblKaraokeTracks SET Kamikaze = 1"));
-            m_dialogs.ok(QStringLiteral("Kim"), 0);
-            m_queue->LoadKamikazeTrack();
+            m_rig->dialogs.ok(QStringLiteral("Kim"), 0);
+            m_rig->queue.LoadKamikazeTrack();
             break;
         case ActAddFromFile:
-            m_dialogs.fileAnswers.enqueue(
+            m_rig->dialogs.fileAnswers.enqueue(
                 {QStringLiteral("Art"), QStringLiteral("Tit"), QStringLiteral("Fay"), 2, false});
-            m_queue->AddSongFromFileSystem(QStringLiteral("/music/x.mp3"));
+            m_rig->queue.AddSongFromFileSystem(QStringLiteral("/music/x.mp3"));
             break;
         case ActSortByHeader:
-            m_queue->setSortingAllowed(true);
-            m_list->horizontalHeader()->setSortIndicator(QueueModel::ColPerformer, Qt::DescendingOrder);
+            m_rig->queue.setSortingAllowed(true);
+            m_rig->list.horizontalHeader()->setSortIndicator(QueueModel::ColPerformer, Qt::DescendingOrder);
             break;
         }
         QTEST(performers(model()), "order");
@@ -148,19 +145,19 @@ private slots:
         QFETCH(int, button);
         QFETCH(int, selected);
         startWithSavedQueue();
-        m_queue->setSelectedIndex(selected);
-        m_queue->btnQueueOptions_Click(button);
+        m_rig->queue.setSelectedIndex(selected);
+        m_rig->queue.btnQueueOptions_Click(button);
         QTEST(performers(model()), "order");
-        QTEST(m_queue->selectedIndex(), "selectedAfter");
+        QTEST(m_rig->queue.selectedIndex(), "selectedAfter");
         QCOMPARE(TestWorkspace::errorLogRecords(), 0);
     }
 
     void clearQueueAsksFirst() {
         startWithSavedQueue();
         QPushButton btnClearQueue;
-        m_queue->attachClearQueueButton(&btnClearQueue);
+        m_rig->queue.attachClearQueueButton(&btnClearQueue);
         for (int answer : {int(Prompts::Cancel), int(Prompts::Ok)}) {
-            m_prompts->answer(answer);
+            m_rig->prompts.answer(answer);
             btnClearQueue.click();
             const int left = answer == Prompts::Ok ? 0 : 4;
             QCOMPARE((QList<int>{model().rowCount(), int(savedRows().size())}), (QList<int>{left, left}));
@@ -170,7 +167,7 @@ private slots:
     void detailsOfRows() {
         model().addItem({"9", "Sam", "Art", "Song", "-3"}, QStringLiteral("/s/a.zip"));
         const auto details = [this](int row) {
-            const QueueEntryDetails d = m_queue->GetDetailsFromRow(row);
+            const QueueEntryDetails d = m_rig->queue.GetDetailsFromRow(row);
             return QStringList{d.PerformerName, d.ArtistName, d.TrackName, d.TrackPath,
                                QString::number(d.Key)};
         };

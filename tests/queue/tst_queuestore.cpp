@@ -12,18 +12,15 @@ using namespace queuetest;
 
 class TestQueueStore : public QObject {
     Q_OBJECT
-    std::unique_ptr<TestWorkspace> m_ws;
-    std::unique_ptr<ScriptedPrompts> m_prompts;
+    struct Rig {
+        ScriptedPrompts prompts;
+        TestWorkspace ws;
+    };
+    std::unique_ptr<Rig> m_rig;
 
 private slots:
-    void init() {
-        m_prompts = std::make_unique<ScriptedPrompts>();
-        m_ws = std::make_unique<TestWorkspace>();
-    }
-    void cleanup() {
-        m_ws.reset();
-        m_prompts.reset();
-    }
+    void init() { m_rig = std::make_unique<Rig>(); }
+    void cleanup() { m_rig.reset(); }
 
     void roundTripsAwkwardTexts_data() {
         QTest::addColumn<QString>("performer");
@@ -87,7 +84,7 @@ private slots:
         QCOMPARE(savedRows(), before);
         QCOMPARE(TestWorkspace::errorLogRecords(), 1);
         QVERIFY(TestWorkspace::errorLog().contains(QStringLiteral("refused by test")));
-        QCOMPARE(m_prompts->countTitle(QStringLiteral("Korvane Error")), 1);
+        QCOMPARE(m_rig->prompts.countTitle(QStringLiteral("Korvane Error")), 1);
         // The list is untouched, and the next save that can succeed repairs the table.
         QCOMPARE(m.rowCount(), 4);
         m.removeItem(0);

@@ -1,35 +1,14 @@
-#include "catalogue/database.h"
 #include "queue/propercase.h"
 #include "queue/singernames.h"
-#include "scriptedprompts.h"
 #include "testrunner.h"
-#include "workspace.h"
 
 #include <QTest>
 
 class TestSingerNames : public QObject {
     Q_OBJECT
-    std::unique_ptr<ScriptedPrompts> m_prompts;
-    std::unique_ptr<TestWorkspace> m_ws;
-
-    void history(const QStringList& names) {
-        for (const QString& n : names)
-            ExecuteSql(QStringLiteral(
-                           "INSERT INTO tblKaraokeTrackHistory (SingerName, Artist, Title, [Key], TrackPath) "
-                           "VALUES ('%1', 'a', 't', 0, '/p')")
-                           .arg(MakeSafeSql(n)));
-    }
 
 private slots:
-    void init() {
-        m_prompts = std::make_unique<ScriptedPrompts>();
-        m_ws = std::make_unique<TestWorkspace>();
-        SingerNames.clear();
-    }
-    void cleanup() {
-        m_ws.reset();
-        m_prompts.reset();
-    }
+    void init() { SingerNames.clear(); }
 
     void addToListArray_data() {
         QTest::addColumn<QStringList>("history");

@@ -1,6 +1,5 @@
 #include "catalogue/database.h"
-#include "core/appsettings.h"
-#include "core/cinifile.h"
+#include "mainwindowstart.h"
 #include "queue/performerprompt.h"
 #include "queue/queuemodel.h"
 #include "queue/ui/queuecontroller.h"
@@ -8,7 +7,6 @@
 #include "screens/mainparts.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
-#include "workspace.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -34,22 +32,8 @@ public:
 class TestMainFlow : public QObject {
     Q_OBJECT
 
-    bool start(frmMain& w) {
-        w.setSplashMinimumMs(0);
-        if (!w.Form_Load({}))
-            return false;
-        return QTest::qWaitFor([&] { return w.isReady(); }, 8000);
-    }
-
 private slots:
-    void init() {
-        TestWorkspace::wipe();
-        Cfg = AppSettings();
-        TestWorkspace::seedWithQuietPlayer();
-        CIniFile ini;
-        ini.setFileName(TestWorkspace::workingFolder() + "settings.ini");
-        ini.SaveStringValue("Settings", "InteractiveSearch", "1");
-    }
+    void init() { kvtest::seedMainWorkspace({{"InteractiveSearch", "1"}}); }
     void cleanup() { TestWorkspace::wipe(); }
 
     void typeFindQueueAndComeBack() {
@@ -57,7 +41,7 @@ private slots:
         AnsweringPerformer singer;
         {
             frmMain w;
-            QVERIFY(start(w));
+            QVERIFY(kvtest::startMainWindow(w));
             ExecuteSql("INSERT INTO tblKaraokeTracks (ArtistName, TrackName, FileName, TrackPath) VALUES "
                        "('Abba', 'Waterloo', 'Abba - Waterloo.zip', '/k/a1.zip'), "
                        "('Queen', 'Bohemian Rhapsody', 'Queen - Bohemian Rhapsody.zip', '/k/q1.zip')");
@@ -76,7 +60,7 @@ private slots:
         }
         // The queue was saved with the add, and comes back at the next start.
         frmMain again;
-        QVERIFY(start(again));
+        QVERIFY(kvtest::startMainWindow(again));
         QueueModel* queue = again.parts().queue().model();
         QCOMPARE(queue->rowCount(), 1);
         QCOMPARE(QStringList({queue->cellText(0, QueueModel::ColPerformer),

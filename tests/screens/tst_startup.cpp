@@ -7,8 +7,8 @@
 #include "core/globals.h"
 #include "core/settings.h"
 #include "filerights.h"
+#include "mainwindowstart.h"
 #include "playbackmedia.h"
-#include "screens/frmmain.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
 #include "workspace.h"
@@ -63,18 +63,11 @@ int songsIn(const QString& file) {
 class TestStartup : public QObject {
     Q_OBJECT
 
-    // Runs the whole start-up on a fresh main window; true when it came up.
-    bool start(frmMain& w, const QString& commandLine = {}) {
-        w.setSplashMinimumMs(0);
-        if (!w.Form_Load(commandLine))
-            return false;
-        return QTest::qWaitFor([&] { return w.isReady(); }, 5000);
-    }
     // One whole session: start, `inside`, close.
     void session(const std::function<void()>& inside = {}) {
         ScriptedPrompts p;
         frmMain w;
-        QVERIFY(start(w));
+        QVERIFY(kvtest::startMainWindow(w));
         if (inside)
             inside();
         w.close();
@@ -90,7 +83,7 @@ private slots:
     void firstStartSeedsAndWritesFirstStartBlock() {
         ScriptedPrompts p;
         frmMain w;
-        QVERIFY(start(w));
+        QVERIFY(kvtest::startMainWindow(w));
         CIniFile ini;
         ini.setFileName(workingFolder() + "settings.ini");
         QCOMPARE(ini.GetNumericValue("Settings", "FirstStart", 1), 0);
@@ -121,7 +114,7 @@ private slots:
         ScriptedPrompts p;
         p.answer(int(Prompts::No));
         frmMain w;
-        QVERIFY(start(w, commandLine));
+        QVERIFY(kvtest::startMainWindow(w, commandLine));
         QCOMPARE(p.countTitle("Reset Korvane"), commandLine.isEmpty() ? 0 : 1);
         QCOMPARE(readFile(workingFolder() + "settings.ini"), settings);
         QCOMPARE(readFile(workingFolder() + "kvsonglist.mdb"), catalogue);
@@ -208,7 +201,7 @@ private slots:
         QVERIFY(QFile::setPermissions(workingFolder() + "settings.ini", QFileDevice::Permissions(0x6644)));
         ScriptedPrompts p;
         frmMain w;
-        QVERIFY(start(w));
+        QVERIFY(kvtest::startMainWindow(w));
         LogErrorQuietly("a record", "KvApp.frmMain.FilterIt", 1);
         settings::writeText(keys::DefaultName, "Ann");
         ExecuteSql("INSERT INTO tblQueue (QueuePos, PerformerName) VALUES (0, 'Ann')");
@@ -250,7 +243,7 @@ private slots:
             ScriptedPrompts p;
             p.answer(int(Prompts::Yes));
             frmMain w;
-            QVERIFY(start(w, "/reset"));
+            QVERIFY(kvtest::startMainWindow(w, "/reset"));
             QVERIFY(!ExecuteSql("SELECT * FROM tblKaraokeTracks").next());
             QCOMPARE(integrityOfCatalogue(), "ok");
             ExecuteSql("INSERT INTO tblKaraokeTracks (TrackPath) VALUES ('/after-reset')");

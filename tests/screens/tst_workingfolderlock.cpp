@@ -1,8 +1,7 @@
 #include "catalogue/database.h"
 #include "childprocess.h"
-#include "core/appsettings.h"
 #include "core/workingfolderlock.h"
-#include "screens/frmmain.h"
+#include "mainwindowstart.h"
 #include "scriptedprompts.h"
 #include "testrunner.h"
 #include "workspace.h"
@@ -17,19 +16,13 @@
 class TestWorkingFolderLock : public QObject {
     Q_OBJECT
 
-    bool start(frmMain& w) {
-        w.setSplashMinimumMs(0);
-        return w.Form_Load({}) && QTest::qWaitFor([&] { return w.isReady(); }, 8000);
-    }
     static QStringList importArgs() {
         return {"import", QDir::tempPath() + "/kv-no-songs", "--convention", "1"};
     }
 
 private slots:
     void init() {
-        TestWorkspace::wipe();
-        Cfg = AppSettings();
-        TestWorkspace::seedWithQuietPlayer();
+        kvtest::seedMainWorkspace();
         QDir().mkpath(QDir::tempPath() + "/kv-no-songs");
     }
     void cleanup() { TestWorkspace::wipe(); }
@@ -38,7 +31,7 @@ private slots:
     void secondStartBringsTheFirstForward() {
         ScriptedPrompts p;
         frmMain first;
-        QVERIFY(start(first));
+        QVERIFY(kvtest::startMainWindow(first));
         QSignalSpy forward(first.findChild<WorkingFolderLock*>(), &WorkingFolderLock::raiseRequested);
         frmMain second;
         second.setSplashMinimumMs(0);
@@ -77,7 +70,7 @@ private slots:
         holder.kill();
         QCOMPARE(kvtest::runTool(importArgs()).exitCode, 0);
         frmMain w;
-        QVERIFY(start(w));
+        QVERIFY(kvtest::startMainWindow(w));
         w.close();
     }
 };
