@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-// Picture loading, and the placing of a window back on the desktop.
+// Picture loading and fitting, and the placing of a window back on the desktop.
 class TestPicture : public QObject {
     Q_OBJECT
     QTemporaryDir m_dir;
@@ -26,15 +26,45 @@ class TestPicture : public QObject {
     }
 
 private slots:
-    // The picture is stretched over the whole box the window asks for (the
-    // program never asks to keep its ratio).
-    void stretchedOverTheBox() {
-        const QString wide = makePicture("wide.png", QSize(400, 100));
-        int w = 300, h = 300;
-        const QImage img = mGDIPlusResize::LoadPictureGDIPlus(wide, w, h, Qt::white, false);
-        QCOMPARE(img.size(), QSize(300, 300));
-        QCOMPARE(QColor(img.pixel(10, 290)), QColor(Qt::red));
-        QCOMPARE(QColor(img.pixel(290, 290)), QColor(Qt::blue));
+    // Where the picture lands on a canvas of the back colour (green): over
+    // the whole canvas, or keeping its ratio at the top left; -1 asks for
+    // the picture's own size, which both sizes then report.
+    void fitted_data() {
+        QTest::addColumn<QSize>("picture");
+        QTest::addColumn<QSize>("asked");
+        QTest::addColumn<bool>("keepRatio");
+        QTest::addColumn<QSize>("canvas");
+        QTest::addColumn<QRect>("drawn");
+        QTest::newRow("stretched over the whole canvas")
+            << QSize(400, 100) << QSize(300, 300) << false << QSize(300, 300) << QRect(0, 0, 300, 300);
+        QTest::newRow("wide, keeping its ratio: the lower part stays back colour")
+            << QSize(400, 100) << QSize(300, 300) << true << QSize(300, 300) << QRect(0, 0, 300, 75);
+        QTest::newRow("tall, keeping its ratio: the right part stays back colour")
+            << QSize(100, 400) << QSize(300, 300) << true << QSize(300, 300) << QRect(0, 0, 75, 300);
+        QTest::newRow("keeping its ratio, rounded to whole pixels")
+            << QSize(3, 2) << QSize(100, 100) << true << QSize(100, 100) << QRect(0, 0, 100, 67);
+        QTest::newRow("a width of 800 is lost when the height is -1")
+            << QSize(64, 48) << QSize(800, -1) << true << QSize(64, 48) << QRect(0, 0, 64, 48);
+        QTest::newRow("height given, width -1")
+            << QSize(64, 48) << QSize(-1, 50) << false << QSize(64, 48) << QRect(0, 0, 64, 48);
+    }
+    void fitted() {
+        QFETCH(QSize, picture);
+        QFETCH(QSize, asked);
+        QFETCH(bool, keepRatio);
+        QFETCH(QSize, canvas);
+        QFETCH(QRect, drawn);
+        int w = asked.width(), h = asked.height();
+        const QImage img =
+            mGDIPlusResize::LoadPictureGDIPlus(makePicture("p.png", picture), w, h, Qt::green, keepRatio);
+        QCOMPARE(img.size(), canvas);
+        QCOMPARE(QSize(w, h), canvas);
+        QCOMPARE(QColor(img.pixel(drawn.topLeft())), QColor(Qt::red));
+        QCOMPARE(QColor(img.pixel(drawn.bottomRight())), QColor(Qt::blue));
+        if (drawn.width() < canvas.width())
+            QCOMPARE(QColor(img.pixel(drawn.right() + 1, 0)), QColor(Qt::green));
+        if (drawn.height() < canvas.height())
+            QCOMPARE(QColor(img.pixel(0, drawn.bottom() + 1)), QColor(Qt::green));
     }
 
     void aFileThatIsNoPictureRaises999_data() {
@@ -129,6 +159,17 @@ private slots:
         const auto p = MMonitors::EnsureWindowOnDesktop(window, MMonitors::desktopOf(screens));
         QCOMPARE(p.corrected, corrected);
         QCOMPARE(p.rect, placed);
+    }
+
+    // Allowed to stay partly visible, a window that overlaps the desktop
+    // stays; one just past its edge is still brought back whole.
+    void partlyVisibleWhenAllowed() {
+        const QRect desktop(0, 0, 1920, 1080);
+        QCOMPARE(MMonitors::EnsureWindowOnDesktop(QRect(1800, 100, 400, 300), desktop, true).corrected,
+                 false);
+        const auto p = MMonitors::EnsureWindowOnDesktop(QRect(1920, 100, 400, 300), desktop, true);
+        QVERIFY(p.corrected);
+        QCOMPARE(p.rect, QRect(1520, 100, 400, 300));
     }
 };
 

@@ -1,6 +1,9 @@
+#include "audience/propertybag.h"
 #include "audience/scrollermodel.h"
+#include "core/kverror.h"
 #include "testrunner.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -21,7 +24,8 @@ struct FakeMeasure : ScrollerMeasure {
 
 } // namespace
 
-// The strip as the audience window runs it: the text travels to the left.
+// The strip as the audience window runs it (the text travels to the left),
+// then the ways, events and stored design open to any other host.
 class TestScrollerModel : public QObject {
     Q_OBJECT
     FakeMeasure m_measure;
@@ -156,6 +160,140 @@ private slots:
         QCOMPARE(m->measuringFont().family(), QString("DejaVu Sans Mono"));
         QVERIFY(m->measuringFont().bold());
         QCOMPARE(m->boxWidth(), 1080.0f);
+    }
+
+    // The other ways on a strip of 500 x 300: the box after Reset, then each
+    // tick's place along the way, 200 twips a tick, with the events between.
+    void otherWays_data() {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<bool>("onePass");
+        QTest::addColumn<QRectF>("box");
+        QTest::addColumn<QStringList>("journal");
+        // "abc" is 360 x 240.
+        QTest::newRow("up: from the bottom edge, wraps once its bottom has passed the top")
+            << 1 << false << QRectF(0, 300, 500, 240)
+            << QStringList{"100", "-100", "-300", "complete", "300"};
+        QTest::newRow("down: from above the strip until its top reaches the bottom")
+            << 2 << false << QRectF(0, -240, 500, 240)
+            << QStringList{"-40", "160", "360", "complete", "-240"};
+        QTest::newRow("right: from the right edge, so the first tick completes a pass")
+            << 4 << false << QRectF(500, 30, 360, 240)
+            << QStringList{"complete", "-360", "-160", "40", "240", "440", "640", "complete", "-360"};
+        QTest::newRow("one pass only: stopped after the event, resting at the wrap place")
+            << 4 << true << QRectF(500, 30, 360, 240) << QStringList{"complete", "stop", "-360", "-160"};
+        QTest::newRow("type 5 is no way: the box stays where it was")
+            << 5 << false << QRectF(0, 30, 500, 240) << QStringList{"0", "0"};
+    }
+    void otherWays() {
+        QFETCH(int, type);
+        QFETCH(bool, onePass);
+        QFETCH(QRectF, box);
+        QFETCH(QStringList, journal);
+        auto m = make(500, 300, "abc", 200);
+        m->setScrollType(type);
+        m->setStopAfterOneScroll(onePass);
+        m->Reset();
+        QCOMPARE(QRectF(m->boxLeft(), m->boxTop(), m->boxWidth(), m->boxHeight()), box);
+        m->setScrolling(true);
+        QStringList seen;
+        connect(m.get(), &ScrollerModel::OnCompleteScroll, this, [&seen] { seen << "complete"; });
+        connect(m.get(), &ScrollerModel::OnStop, this, [&seen] { seen << "stop"; });
+        while (seen.size() < journal.size()) {
+            m->tick();
+            seen << QString::number(double(type <= 2 ? m->boxTop() : m->boxLeft()));
+        }
+        QCOMPARE(seen.mid(0, journal.size()), journal);
+        QCOMPARE(m->Scrolling(), !onePass);
+    }
+
+    // Start and stop raise their events only on a change; the Scrolling
+    // property raises none, and a first show starts only with AutoStart.
+    void startAndStop_data() {
+        QTest::addColumn<QStringList>("calls");
+        QTest::addColumn<QStringList>("events");
+        QTest::addColumn<bool>("running");
+        QTest::newRow("start twice, stop twice: one event each")
+            << QStringList{"start", "start", "stop", "stop"} << QStringList{"start", "stop"} << false;
+        QTest::newRow("Scrolling on, start, Scrolling off: none")
+            << QStringList{"on", "start", "off"} << QStringList{} << false;
+        QTest::newRow("first show without AutoStart")
+            << QStringList{"manual", "show"} << QStringList{} << false;
+    }
+    void startAndStop() {
+        QFETCH(QStringList, calls);
+        QFETCH(QStringList, events);
+        QFETCH(bool, running);
+        auto m = make(500, 600, "abc", 25);
+        QStringList seen;
+        connect(m.get(), &ScrollerModel::OnStart, this, [&seen] { seen << "start"; });
+        connect(m.get(), &ScrollerModel::OnStop, this, [&seen] { seen << "stop"; });
+        for (const QString& call : calls) {
+            if (call == "start" || call == "stop")
+                call == "start" ? m->StartScroll() : m->StopScroll();
+            else if (call == "on" || call == "off")
+                m->setScrolling(call == "on");
+            else if (call == "manual")
+                m->setAutoStart(false);
+            else
+                m->firstShow();
+        }
+        QCOMPARE(seen, events);
+        QCOMPARE(m->Scrolling(), running);
+    }
+
+    // A property stored under its name in any case is read into the control
+    // and written back with its value unchanged, along with all the others.
+    void theDesignRoundTrips_data() {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QVariant>("value");
+        QFont f(QStringLiteral("DejaVu Sans Mono"));
+        f.setPointSize(27);
+        f.setBold(true);
+        QTest::newRow("Text") << "TEXT" << QVariant("Next: Jo\r\nthen Al");
+        QTest::newRow("StopAfterOneScroll") << "stopafteronescroll" << QVariant(true);
+        QTest::newRow("AutoStart") << "AutoStart" << QVariant(false);
+        QTest::newRow("ScrollType") << "ScrollType" << QVariant(4);
+        QTest::newRow("BackColor") << "BackColor" << QVariant(0x00112233u);
+        QTest::newRow("ForeColor") << "ForeColor" << QVariant(0x00FFEEDDu);
+        QTest::newRow("Interval") << "Interval" << QVariant(30);
+        QTest::newRow("Amount") << "Amount" << QVariant(37.5);
+        QTest::newRow("Alignment") << "Alignment" << QVariant(1);
+        QTest::newRow("Border") << "Border" << QVariant(1);
+        QTest::newRow("Font") << "font" << QVariant(f);
+        QTest::newRow("Scrolling") << "Scrolling" << QVariant(true);
+    }
+    void theDesignRoundTrips() {
+        QFETCH(QString, stored);
+        QFETCH(QVariant, value);
+        PropertyBag in;
+        in.write(stored, value);
+        ScrollerModel m(&m_measure);
+        m.readProperties(in, QFont(QStringLiteral("DejaVu Sans")));
+        PropertyBag out;
+        m.writeProperties(out);
+        QCOMPARE(out.names().size(), 12);
+        QCOMPARE(out.read(stored, {}), value);
+    }
+
+    // A text file becomes the text, its last line end cut; a file that
+    // cannot be read raises error 53 and leaves the text as it was.
+    void loadTextFromFile() {
+        QTemporaryDir dir;
+        QFile f(dir.filePath("credits.txt"));
+        QVERIFY(f.open(QIODevice::WriteOnly) && f.write("Zo\xC3\xAB\r\nKaraoke\r\n") == 15);
+        f.close();
+        auto m = make(500, 600, "abc", 25);
+        m->LoadTextFromFile(f.fileName());
+        const QString text = QString::fromUtf8("Zo\xC3\xAB\r\nKaraoke");
+        QCOMPARE(m->text(), text);
+        QCOMPARE(m->lineCount(), 2);
+        try {
+            m->LoadTextFromFile(dir.filePath("missing.txt"));
+            QFAIL("no error raised");
+        } catch (const KvError& e) {
+            QCOMPARE(e.number(), 53);
+        }
+        QCOMPARE(m->text(), text);
     }
 
     // The first show puts the text at its start and starts the strip.
