@@ -1,5 +1,6 @@
 #include "database.h"
 
+#include "searchfolding.h"
 #include "songindexkeeper.h"
 #include "unicodelike.h"
 
@@ -269,6 +270,7 @@ bool OpenDatabase(CatalogueUse use) {
         tellCannotOpen(path, failure);
         return false;
     }
+    FollowAccentBlindSetting();
     SongIndexKeeper::instance().attach(NativeHandle(dbConnection()), path);
     return true;
 }

@@ -3,12 +3,8 @@
 #include "catalogue/database.h"
 #include "catalogue/sqlitestatement.h"
 
-ListingWindow::ListingWindow(sqlite3* db, const SongIndex& index)
-    : m_db(db), m_generation(ConnectionGeneration()) {
-    m_ids.reserve(size_t(index.size()));
-    for (qsizetype row = 0; row < index.size(); ++row)
-        m_ids.push_back(index.id(row));
-}
+ListingWindow::ListingWindow(sqlite3* db, std::shared_ptr<const SongIndex> index)
+    : m_db(db), m_generation(ConnectionGeneration()), m_index(std::move(index)) {}
 
 void ListingWindow::replace(int row, const Texts& texts) {
     m_edits.insert(id(row), texts);
@@ -16,7 +12,13 @@ void ListingWindow::replace(int row, const Texts& texts) {
 
 void ListingWindow::removeAt(int row) {
     m_edits.remove(id(row));
-    m_ids.erase(m_ids.begin() + row);
+    if (!m_ownOrder) {
+        m_rows.resize(size_t(size()));
+        for (size_t i = 0; i < m_rows.size(); ++i)
+            m_rows[i] = uint32_t(i);
+        m_ownOrder = true;
+    }
+    m_rows.erase(m_rows.begin() + row);
     // The rows after it moved up: the blocks read no longer fit them.
     m_blocks.clear();
     m_blockOrder.clear();
@@ -68,7 +70,7 @@ void ListingWindow::readBlock(int block) const {
 }
 
 qint64 ListingWindow::bytesHeld() const {
-    qint64 bytes = qint64(m_ids.capacity() * sizeof(qint64));
+    qint64 bytes = qint64(m_rows.capacity() * sizeof(uint32_t));
     for (const auto& [block, rows] : m_blocks)
         for (const Texts& t : rows)
             for (const QString& s : t)

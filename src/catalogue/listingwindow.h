@@ -23,10 +23,10 @@ public:
     static constexpr int kBlockRows = 64;
     static constexpr int kBlocksKept = 64;
 
-    ListingWindow(sqlite3* db, const SongIndex& index);
+    ListingWindow(sqlite3* db, std::shared_ptr<const SongIndex> index);
 
-    int size() const { return int(m_ids.size()); }
-    qint64 id(int row) const { return m_ids[size_t(row)]; }
+    int size() const { return m_ownOrder ? int(m_rows.size()) : int(m_index->size()); }
+    qint64 id(int row) const { return m_index->id(m_ownOrder ? m_rows[size_t(row)] : row); }
     QString text(int row, int field) const { return textsOf(row)[size_t(field)]; }
     Texts texts(int row) const { return textsOf(row); }
     // The list's own edit of a row's texts (the catalogue is not touched).
@@ -40,7 +40,11 @@ private:
 
     sqlite3* m_db;
     quint64 m_generation;
-    std::vector<qint64> m_ids;
+    // The order is the index's own until a row is taken out of the list;
+    // then the index rows still listed, in order.
+    std::shared_ptr<const SongIndex> m_index;
+    std::vector<uint32_t> m_rows;
+    bool m_ownOrder = false;
     QHash<qint64, Texts> m_edits;
     mutable std::unordered_map<int, std::vector<Texts>> m_blocks;
     mutable std::deque<int> m_blockOrder; // oldest first

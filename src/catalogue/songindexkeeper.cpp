@@ -1,5 +1,7 @@
 #include "songindexkeeper.h"
 
+#include "catalogue/unicodelike.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QPointer>
@@ -8,6 +10,9 @@
 #include <sqlite3.h>
 
 #include <cstring>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 SongIndexKeeper& SongIndexKeeper::instance() {
     static SongIndexKeeper keeper;
@@ -36,6 +41,7 @@ void SongIndexKeeper::attach(sqlite3* db, const QString& path) {
         sqlite3_finalize(m_dataVersion);
         m_dataVersion = nullptr;
     }
+    m_wantBlind = AccentBlindLike();
     startBuild(m_wantBlind);
 }
 
@@ -157,6 +163,11 @@ void SongIndexKeeper::finishBuild(quint64 serial, std::shared_ptr<const SongInde
     }
     m_index = std::move(index);
     m_indexStamp = now;
+#if defined(__GLIBC__)
+    // The read's working copies were freed on the reading thread; give their
+    // pages back rather than keep them for a read that may not come.
+    malloc_trim(0);
+#endif
     emit indexReady();
 }
 

@@ -90,5 +90,5 @@ std::unique_ptr<ListingWindow> IndexedListing(const QSqlDatabase& db) {
     auto index = SongIndexKeeper::instance().current(AccentBlindLike());
     if (!index)
         return nullptr;
-    return std::make_unique<ListingWindow>(handle, *index);
+    return std::make_unique<ListingWindow>(handle, std::move(index));
 }

@@ -112,6 +112,8 @@ inline constexpr SettingKey WinAmpPath{kSettings, "WinAmpPath", T::Text, nullptr
 // Our own additions, beyond the keys a Windows installation knew.
 // The karaoke player's video window full screen on the audience window's monitor.
 inline constexpr SettingKey LyricsOnAudienceScreen{kSettings, "LyricsOnAudienceScreen", T::Bool, "0"};
+// Whether a search ignores accents ("beyonce" finds "Beyoncé"); off unless the host turns it on.
+inline constexpr SettingKey AccentBlindSearch{kSettings, "AccentBlindSearch", T::Bool, "0"};
 
 // Section "Jingles": the file of each fill button, keys "0" to "15".
 inline constexpr std::array<SettingKey, 16> Jingle{{

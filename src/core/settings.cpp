@@ -91,6 +91,7 @@ const std::vector<const SettingKey*>& all() {
             &ViewAllSongsAtStartup,
             &WinAmpPath,
             &LyricsOnAudienceScreen,
+            &AccentBlindSearch,
         };
         for (const SettingKey& k : Jingle)
             t.push_back(&k);

@@ -55,6 +55,8 @@ const Box kBoxes[] = {
      "databases."},
     {"chkIncludeSongPath", "Include song path when searching", &keys::IncludeSongPath,
      &AppSettings::IncludeSongPath, false, kSearchPathTip},
+    {"chkAccentBlindSearch", "Ignore accents when searching", &keys::AccentBlindSearch, nullptr, false,
+     "A search for beyonce also finds Beyoncé, and ros finds Rós."},
     {"optShowAll", "Show all songs when search criteria is blank", &keys::ViewAllSongsAtStartup,
      &AppSettings::ViewAllSongsAtStartup, false,
      "All songs will be dispalyed when no search criteria has been entered. This should be off on large "

@@ -1,9 +1,11 @@
 #include "catalogue/database.h"
+#include "catalogue/searchresultsmodel.h"
 #include "catalogue/songindex.h"
 #include "catalogue/songindexkeeper.h"
 #include "catalogue/songrowsource.h"
 #include "catalogue/songsearch.h"
 #include "catalogue/unicodelike.h"
+#include "core/settings.h"
 #include "testrunner.h"
 #include "workspace.h"
 
@@ -159,6 +161,25 @@ private slots:
         QCOMPARE(row, kSongs.size() + (blobArtist ? 1 : 0));
     }
 
+    // The list's own edits and removals on the whole-catalogue list, down to
+    // an empty list.
+    void listingTakesEditsAndRemovals() {
+        QVERIFY(SongIndexKeeper::instance().buildNow(false));
+        SearchResultsModel model;
+        model.load(IndexedListing(dbConnection()));
+        const int rows = model.rowCount();
+        QCOMPARE(rows, kSongs.size());
+        const qint64 third = model.trackId(2);
+        model.setCellText(0, 1, QStringLiteral("Edited"));
+        model.removeTrackRow(1);
+        QCOMPARE(model.rowCount(), rows - 1);
+        QCOMPARE(model.trackId(1), third);
+        QCOMPARE(model.data(model.index(0, 1)).toString(), QStringLiteral("Edited"));
+        while (model.rowCount() > 0)
+            model.removeTrackRow(0);
+        QCOMPARE(model.rowCount(), 0);
+    }
+
     // After any change to the songs, by this connection or another, the old
     // index is never used; a change elsewhere leaves it in place.
     void changesMakeTheIndexStale_data() {
@@ -199,6 +220,19 @@ private slots:
         std::unique_ptr<SongRowSource> indexed = IndexedSearch(dbConnection(), {QStringLiteral("zip")});
         QVERIFY(indexed);
         QCOMPARE(ids(*indexed), statementIds(QStringLiteral("zip")));
+    }
+
+    // The host's setting switches the folding of the search at once.
+    void accentBlindSettingIsFollowed() {
+        QVERIFY(!AccentBlindLike());
+        settings::writeBool(keys::AccentBlindSearch, true);
+        QVERIFY(AccentBlindLike());
+        QVERIFY(SongIndexKeeper::instance().waitUntilCurrent(true, 10000));
+        std::unique_ptr<SongRowSource> indexed = IndexedSearch(dbConnection(), {QStringLiteral("beyonce")});
+        QVERIFY(indexed);
+        QCOMPARE(ids(*indexed).size(), 2);
+        settings::writeBool(keys::AccentBlindSearch, false);
+        QVERIFY(!AccentBlindLike());
     }
 
     // A word longer than SQLite takes as a pattern is left to the statement,

@@ -38,6 +38,7 @@ private slots:
         row("history box without a program value", "chkAutoSelectAllInHistory", "AutoSelectAllInHistory",
             false);
         row("sorting on", "chkAllowSortingOnQueue", "AllowSortingOnQueue", true);
+        row("accent-blind search on", "chkAccentBlindSearch", "AccentBlindSearch", true);
     }
     void everyBoxWritesItsKey() {
         QFETCH(QString, box);
