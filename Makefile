@@ -24,8 +24,10 @@ test: build
 rehearsal: build
 	ctest --test-dir $(BUILD) -L rehearsal --output-on-failure
 
+# Every benchmark, then one table of their figures and limits (the whole
+# output of each stays in $(BUILD)/bench-logs).
 bench: build
-	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b || exit 1; done
+	@tools/bench-table.sh $(BUILD)
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

@@ -7,6 +7,8 @@
 // catalogue listed and scrolled through. Every search's answer, all its rows
 // in order, is compared with the plain statement's: any difference ends the
 // run with a failure. "--100k" stops after the 100,000-song figures.
+#include "benchcommon.h"
+
 #include "catalogue/database.h"
 #include "catalogue/searchresultsmodel.h"
 #include "catalogue/songindexkeeper.h"
@@ -225,7 +227,8 @@ double percentile(QList<double> v, double p) {
 // Times every query of the set through the search box (FilterIt and the
 // first paint), and checks each answer against the plain statement's.
 // Returns false on the first difference.
-bool runQuerySet(Frame& f, int catalogue, const QStringList& queries, bool check) {
+bool runQuerySet(Frame& f, int catalogue, const QStringList& queries, bool check,
+                 const char* what = "typed search") {
     QList<double> ms;
     QList<double> cpu;
     QList<double> find;
@@ -278,9 +281,10 @@ bool runQuerySet(Frame& f, int catalogue, const QStringList& queries, bool check
         }
     }
     out << QStringLiteral(
-               "typed search, %1 songs, %2 queries: median %3 ms, 95th percentile %4 ms, "
-               "slowest %5 ms (CPU median %6 ms; finding the first block of rows %7 ms, the rest is "
+               "%1, %2 songs, %3 queries: median %4 ms, 95th percentile %5 ms, "
+               "slowest %6 ms (CPU median %7 ms; finding the first block of rows %8 ms, the rest is "
                "the list's layout and paint)")
+               .arg(QLatin1String(what))
                .arg(catalogue)
                .arg(queries.size())
                .arg(median(ms), 0, 'f', 2)
@@ -290,25 +294,22 @@ bool runQuerySet(Frame& f, int catalogue, const QStringList& queries, bool check
                .arg(median(find), 0, 'f', 2)
         << Qt::endl;
     const bool big = catalogue >= 1000000;
-    out << QStringLiteral("figure: typed search median, %1 songs | %2 ms | %3 ms")
-               .arg(catalogue)
-               .arg(median(ms), 0, 'f', 2)
-               .arg(big ? 20 : 3)
-        << Qt::endl;
+    const auto label = [&](const char* figure) {
+        return QStringLiteral("%1, %2 songs: %3")
+            .arg(QLatin1String(what))
+            .arg(catalogue)
+            .arg(QLatin1String(figure))
+            .toUtf8();
+    };
+    bench::print(label("median to first screenful").constData(), median(ms), "ms", big ? 20 : 3);
     if (big)
-        out << QStringLiteral("figure: typed search 95th percentile, %1 songs | %2 ms | 50 ms")
-                   .arg(catalogue)
-                   .arg(percentile(ms, 0.95), 0, 'f', 2)
-            << Qt::endl;
+        bench::print(label("95th percentile").constData(), percentile(ms, 0.95), "ms", 50);
     if (check) {
         out << QStringLiteral("same answers as the statement: %1 of %2 queries")
                    .arg(queries.size() - differences)
                    .arg(queries.size())
             << Qt::endl;
-        out << QStringLiteral("figure: same answers, %1 songs | %2 differences | 0 differences")
-                   .arg(catalogue)
-                   .arg(differences)
-            << Qt::endl;
+        bench::print(label("answers unlike the statement's").constData(), differences, "", 1);
     }
     return differences == 0;
 }
@@ -322,9 +323,12 @@ bool runAccentBlind(Frame& f, int catalogue) {
                                  QStringLiteral("arzte"),   QStringLiteral("cafe senor"),
                                  QStringLiteral("naive"),   QStringLiteral("love"),
                                  QStringLiteral("zzzq"),    QStringLiteral("Beyoncé")};
-    const bool same = ready && runQuerySet(f, catalogue, queries, true);
+    const bool same = ready && runQuerySet(f, catalogue, queries, true, "accent-blind search");
     SetAccentBlindLike(false);
     SongIndexKeeper::instance().waitUntilCurrent(false, 120000);
+    out << QStringLiteral("resident memory after the accent-blind searches: %1 MB")
+               .arg(vmRssKiB() / 1024.0, 0, 'f', 1)
+        << Qt::endl;
     return same;
 }
 
@@ -343,10 +347,7 @@ void timeLoadAll(Frame& f, int catalogue, int runs) {
                .arg(runs)
         << Qt::endl;
     if (catalogue >= 1000000)
-        out << QStringLiteral("figure: view all, first screenful, %1 songs | %2 ms | 50 ms")
-                   .arg(catalogue)
-                   .arg(median(ms), 0, 'f', 1)
-            << Qt::endl;
+        bench::print("view all songs, 1000000 songs: first screenful", median(ms), "ms", 50);
 }
 
 // Reads the song index afresh and waits for it, printing the time.
@@ -457,9 +458,7 @@ int main(int argc, char** argv) {
                .arg(vmRssKiB() / 1024.0, 0, 'f', 1)
                .arg(model->bytesHeld() / 1048576.0, 0, 'f', 1)
         << Qt::endl;
-    out << QStringLiteral("figure: resident memory, 1000000 songs listed to the end | %1 MB | 150 MB")
-               .arg(vmRssKiB() / 1024.0, 0, 'f', 1)
-        << Qt::endl;
+    bench::print("resident memory, 1000000 songs listed to the end", vmRssKiB() / 1024.0, "MB", 150);
 
     CloseDatabase();
     return 0;

@@ -7,11 +7,16 @@
 //   korvane-tool history import FILE
 #include "kvtool.h"
 
+#include "catalogue/songindexkeeper.h"
+
 #include <QCoreApplication>
 #include <QTextStream>
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
+    // One command and out: an index read in the background would only take
+    // a core from the command's own work.
+    SongIndexKeeper::instance().setReadsOnItsOwn(false);
     QStringList args = app.arguments().mid(1);
     QTextStream err(stderr);
     if (args.isEmpty()) {

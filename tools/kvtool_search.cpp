@@ -2,6 +2,7 @@
 
 #include "catalogue/database.h"
 #include "catalogue/searchresultsmodel.h"
+#include "catalogue/songrowsource.h"
 #include "catalogue/songsearch.h"
 #include "core/appsettings.h"
 #include "core/kverror.h"
@@ -46,19 +47,25 @@ int runSearch(const QStringList& args) {
         return 1;
     try {
         Cfg.IncludeSongPath = settings::readBool(keys::IncludeSongPath);
-        SearchResultsModel rows;
-        rows.load(dbConnection(), SongSearch::filterSql(SongSearch::filterList(text, Cfg.IncludeSongPath)));
-        int printed = 0;
-        for (;;) {
-            for (; printed < rows.rowCount(); ++printed) {
-                out << rows.trackId(printed);
-                for (int c = 1; c < SearchResultsModel::kColumns; ++c)
-                    out << '\t' << cell(rows.data(rows.index(printed, c)).toString());
-                out << '\n';
-            }
-            if (!rows.canFetchMore())
-                break;
-            rows.fetchMore();
+        // The search box's own way to its rows: the song index when there is
+        // one in step with the catalogue, else the statement.
+        std::unique_ptr<SongRowSource> rows;
+        if (!Cfg.IncludeSongPath)
+            rows = IndexedSearch(dbConnection(), SongSearch::searchWords(text));
+        if (!rows)
+            rows = std::make_unique<StatementRowSource>(
+                dbConnection(), SongSearch::filterSql(SongSearch::filterList(text, Cfg.IncludeSongPath)));
+        qint64 id = 0;
+        CompactRowStore::Texts texts;
+        for (qint64 printed = 1; rows->next(id, texts); ++printed) {
+            out << id;
+            for (const QString& t : texts)
+                out << '\t' << cell(t);
+            out << '\n';
+            // Each row goes out as it is read, a screenful at a time, so that
+            // a reader that wants only the first rows has them at once.
+            if (printed % SearchResultsModel::kDefaultBlockSize == 1)
+                out.flush();
         }
         out.flush();
     } catch (const KvError& e) {

@@ -118,7 +118,7 @@ void SongIndexKeeper::distrust() {
 }
 
 void SongIndexKeeper::startBuild(bool accentBlind) {
-    if (!m_db || m_path.isEmpty() || !QCoreApplication::instance())
+    if (!m_db || m_path.isEmpty() || !QCoreApplication::instance() || !m_readsOnItsOwn)
         return;
     // Rows written inside a transaction that is still open would be missed
     // by the reading connection: the read waits for the commit (the next

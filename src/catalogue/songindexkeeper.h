@@ -45,6 +45,9 @@ public:
     bool waitUntilCurrent(bool accentBlind, int ms);
     // Tells the keeper the index was found out of step with the catalogue.
     void distrust();
+    // Whether the keeper reads an index on its own (on by default): a
+    // short-lived program that only runs a statement or two turns it off.
+    void setReadsOnItsOwn(bool on) { m_readsOnItsOwn = on; }
 
 signals:
     // A fresh index is in place.
@@ -74,6 +77,7 @@ private:
     std::shared_ptr<const SongIndex> m_index;
     Stamp m_indexStamp;
     bool m_wantBlind = false;
+    bool m_readsOnItsOwn = true;
 
     std::thread m_builder;
     std::atomic<bool> m_stop{false};
