@@ -359,9 +359,12 @@ bool timeIndexRead(int catalogue) {
         out << "the song index did not come" << Qt::endl;
         return false;
     }
-    out << QStringLiteral("song index read in the background, %1 songs: %2 ms")
+    out << QStringLiteral(
+               "song index read in the background, %1 songs: %2 ms; it holds %3 MB; resident memory %4 MB")
                .arg(catalogue)
                .arg(t.elapsed())
+               .arg(SongIndexKeeper::instance().current(false)->bytesHeld() / 1048576.0, 0, 'f', 1)
+               .arg(vmRssKiB() / 1024.0, 0, 'f', 1)
         << Qt::endl;
     return true;
 }
@@ -428,7 +431,14 @@ int main(int argc, char** argv) {
     f.search.ClearSearchList();
     QCoreApplication::processEvents();
     malloc_trim(0);
-    out << QStringLiteral("resident memory before view all songs: %1 MB").arg(vmRssKiB() / 1024.0, 0, 'f', 1)
+    const struct mallinfo2 heap = mallinfo2();
+    out << QStringLiteral("resident memory before view all songs: %1 MB (the heap: %2 MB in use, %3 MB free; "
+                          "%4 MB mapped; SQLite %5 MB)")
+               .arg(vmRssKiB() / 1024.0, 0, 'f', 1)
+               .arg(heap.uordblks / 1048576.0, 0, 'f', 1)
+               .arg(heap.fordblks / 1048576.0, 0, 'f', 1)
+               .arg(heap.hblkhd / 1048576.0, 0, 'f', 1)
+               .arg(sqlite3_memory_used() / 1048576.0, 0, 'f', 1)
         << Qt::endl;
     timeLoadAll(f, 1000000, 3);
     out << QStringLiteral("resident memory, 1000000 songs listed, top: %1 MB")

@@ -31,6 +31,15 @@ void SongIndexKeeper::onRowChanged(void* self, int, const char*, const char* tab
 }
 
 void SongIndexKeeper::attach(sqlite3* db, const QString& path) {
+#if defined(__GLIBC__)
+    // The index and its read work in blocks of megabytes. By default the C
+    // library, once such a block is freed, serves the next ones from its
+    // heap, where freed pages stay with the process; a fixed threshold keeps
+    // every block of a megabyte or more in pages of its own, given back to
+    // the system as soon as it is freed.
+    static const bool tuned = mallopt(M_MMAP_THRESHOLD, 1 << 20) == 1;
+    (void)tuned;
+#endif
     detach();
     m_db = db;
     m_path = path;
