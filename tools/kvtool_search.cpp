@@ -2,8 +2,10 @@
 
 #include "catalogue/database.h"
 #include "catalogue/searchresultsmodel.h"
+#include "catalogue/songindexkeeper.h"
 #include "catalogue/songrowsource.h"
 #include "catalogue/songsearch.h"
+#include "catalogue/unicodelike.h"
 #include "core/appsettings.h"
 #include "core/kverror.h"
 #include "core/settings.h"
@@ -49,8 +51,10 @@ int runSearch(const QStringList& args) {
         Cfg.IncludeSongPath = settings::readBool(keys::IncludeSongPath);
         // The search box's own way to its rows: the song index when there is
         // one in step with the catalogue, else the statement.
+        // The index the program saved beside the catalogue, when it still
+        // fits the catalogue.
         std::unique_ptr<SongRowSource> rows;
-        if (!Cfg.IncludeSongPath)
+        if (!Cfg.IncludeSongPath && SongIndexKeeper::instance().loadSaved(AccentBlindLike()))
             rows = IndexedSearch(dbConnection(), SongSearch::searchWords(text));
         if (!rows)
             rows = std::make_unique<StatementRowSource>(

@@ -2,6 +2,8 @@
 
 #include "likepattern.h"
 
+#include <QFile>
+
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -16,6 +18,9 @@ namespace {
 // the same column gives the same order, ties included.
 constexpr const char* kReadAll =
     "Select KaraokeTrackID, FileName, (Error = 0) From tblKaraokeTracks Order By ArtistName";
+
+// What the 32-bit offsets into the names' block can hold.
+constexpr size_t kMostBytes = 0xFFFF0000u;
 
 // SQLite's default cap on a LIKE pattern's length, in bytes.
 constexpr size_t kLongestPattern = 50000;
@@ -67,7 +72,6 @@ struct ScannedRow {
     bool shown;
 };
 constexpr uint32_t kNoArtist = 0xFFFFFFFFu;
-constexpr size_t kMostBytes = 0xFFFF0000u; // what the 32-bit offsets can hold
 
 // The artist in the form the column's NOCASE collation compares: ASCII
 // capitals made small, every other byte as it is.
@@ -166,6 +170,7 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
         index->m_longest = std::max<size_t>(index->m_longest, r.nameLength);
     }
     index->m_starts.push_back(uint32_t(index->m_text.size()));
+    index->viewOwnArrays();
     return index;
 }
 
@@ -216,15 +221,116 @@ std::shared_ptr<const SongIndex> SongIndex::buildInStatementOrder(sqlite3* db, b
     index->m_starts.shrink_to_fit();
     index->m_searchable.shrink_to_fit();
     index->m_text.shrink_to_fit();
+    index->viewOwnArrays();
     return index;
 }
 
+namespace {
+
+// The saved form: this header, then the ids, the starts, the shown flags and
+// the names' block, each as the arrays hold them in memory.
+struct SavedHeader {
+    char magic[8];
+    quint32 version;
+    quint32 accentBlind;
+    quint64 rows;
+    qint64 maxId;
+    quint64 textBytes;
+    quint64 longest;
+};
+constexpr char kMagic[8] = {'K', 'V', 'S', 'O', 'N', 'G', 'I', 'X'};
+constexpr quint32 kSavedVersion = 1;
+
+bool writeBytes(QIODevice& f, const void* data, size_t bytes) {
+    return f.write(static_cast<const char*>(data), qint64(bytes)) == qint64(bytes);
+}
+
+} // namespace
+
+bool SongIndex::save(const QString& path, qint64 maxId) const {
+    QFile f(path);
+    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    SavedHeader h{};
+    std::memcpy(h.magic, kMagic, sizeof kMagic);
+    h.version = kSavedVersion;
+    h.accentBlind = m_accentBlind ? 1 : 0;
+    h.rows = quint64(m_rows);
+    h.maxId = maxId;
+    h.textBytes = quint64(m_block.size());
+    h.longest = quint64(m_longest);
+    const auto rows = size_t(m_rows);
+    const bool written = f.write(reinterpret_cast<const char*>(&h), sizeof h) == qint64(sizeof h) &&
+                         writeBytes(f, m_idAt, rows * sizeof(qint64)) &&
+                         writeBytes(f, m_startAt, (rows + 1) * sizeof(uint32_t)) &&
+                         writeBytes(f, m_shownAt, rows) && writeBytes(f, m_block.data(), m_block.size());
+    if (!written || !f.flush()) {
+        f.close();
+        f.remove();
+        return false;
+    }
+    return true;
+}
+
+std::shared_ptr<const SongIndex> SongIndex::load(const QString& path, bool accentBlind, qint64 songs,
+                                                 qint64 maxId) {
+    auto file = std::make_unique<QFile>(path);
+    if (!file->open(QIODevice::ReadOnly))
+        return nullptr;
+    SavedHeader h{};
+    if (file->read(reinterpret_cast<char*>(&h), sizeof h) != qint64(sizeof h) ||
+        std::memcmp(h.magic, kMagic, sizeof kMagic) != 0 || h.version != kSavedVersion ||
+        h.accentBlind != (accentBlind ? 1u : 0u) || h.rows != quint64(songs) || h.maxId != maxId ||
+        h.textBytes > kMostBytes)
+        return nullptr;
+    const size_t rows = size_t(h.rows);
+    const qint64 expected =
+        qint64(sizeof h + rows * (sizeof(qint64) + sizeof(uint32_t) + 1) + sizeof(uint32_t) + h.textBytes);
+    if (file->size() != expected)
+        return nullptr;
+    // Mapped, not read: the pages come from the system's cache as the scan
+    // reaches them, with no copy.
+    const uchar* base = file->map(0, expected);
+    if (!base)
+        return nullptr;
+    auto index = std::make_shared<SongIndex>();
+    index->m_accentBlind = accentBlind;
+    index->m_longest = size_t(h.longest);
+    index->m_rows = qsizetype(rows);
+    const uchar* at = base + sizeof h;
+    index->m_idAt = reinterpret_cast<const qint64*>(at);
+    at += rows * sizeof(qint64);
+    index->m_startAt = reinterpret_cast<const uint32_t*>(at);
+    at += (rows + 1) * sizeof(uint32_t);
+    index->m_shownAt = at;
+    at += rows;
+    index->m_block = std::string_view(reinterpret_cast<const char*>(at), size_t(h.textBytes));
+    index->m_mapped = std::move(file);
+    // Every name must lie within the block, or the scan could run past it.
+    if (index->m_startAt[0] != 0 || index->m_startAt[rows] != h.textBytes)
+        return nullptr;
+    for (size_t i = 0; i < rows; ++i)
+        if (index->m_startAt[i + 1] <= index->m_startAt[i])
+            return nullptr;
+    return index;
+}
+
+void SongIndex::viewOwnArrays() {
+    m_rows = qsizetype(m_ids.size());
+    m_idAt = m_ids.data();
+    m_startAt = m_starts.data();
+    m_shownAt = m_searchable.data();
+    m_block = m_text;
+}
+
 qsizetype SongIndex::rowAt(size_t offset) const {
-    const auto after = std::upper_bound(m_starts.begin(), m_starts.end() - 1, uint32_t(offset));
-    return qsizetype(after - m_starts.begin()) - 1;
+    const uint32_t* after = std::upper_bound(m_startAt, m_startAt + m_rows, uint32_t(offset));
+    return qsizetype(after - m_startAt) - 1;
 }
 
 qint64 SongIndex::bytesHeld() const {
+    if (m_mapped)
+        return m_mapped->size();
     return qint64(m_ids.capacity() * sizeof(qint64) + m_starts.capacity() * sizeof(uint32_t) +
                   m_searchable.capacity() + m_text.capacity());
 }

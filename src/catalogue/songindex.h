@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFile>
 #include <QString>
 #include <QStringList>
 
@@ -28,21 +29,31 @@ public:
     static std::shared_ptr<const SongIndex>
     build(sqlite3* db, bool accentBlind, const std::atomic<bool>* stop = nullptr, QString* error = nullptr);
 
+    // The index as a file, so that the next program to open the catalogue
+    // need not read it again (the caller puts it in place by a rename once it
+    // is whole). `maxId` is the catalogue's highest song id, kept to check
+    // the file against it. False, with no file left, when it could not be
+    // written.
+    bool save(const QString& path, qint64 maxId) const;
+    // Reads a saved index; null when the file is missing or damaged, or was
+    // made for another folding, another count of songs or another highest id.
+    static std::shared_ptr<const SongIndex> load(const QString& path, bool accentBlind, qint64 songs,
+                                                 qint64 maxId);
+
     bool accentBlind() const { return m_accentBlind; }
-    qsizetype size() const { return qsizetype(m_ids.size()); }
-    qint64 id(qsizetype row) const { return m_ids[size_t(row)]; }
-    bool searchable(qsizetype row) const { return m_searchable[size_t(row)] != 0; }
+    qsizetype size() const { return m_rows; }
+    qint64 id(qsizetype row) const { return m_idAt[row]; }
+    bool searchable(qsizetype row) const { return m_shownAt[row] != 0; }
     // The folded name of a row (empty for one the search never shows).
     std::string_view text(qsizetype row) const {
-        return std::string_view(m_text).substr(m_starts[size_t(row)],
-                                               m_starts[size_t(row) + 1] - m_starts[size_t(row)] - 1);
+        return m_block.substr(m_startAt[row], m_startAt[row + 1] - m_startAt[row] - 1);
     }
     // The row whose name holds byte `offset` of the block.
     qsizetype rowAt(size_t offset) const;
     // Where a row's name starts in the block.
-    size_t start(qsizetype row) const { return m_starts[size_t(row)]; }
+    size_t start(qsizetype row) const { return m_startAt[row]; }
     // Every name, each followed by a 0xFF byte (which UTF-8 never holds).
-    std::string_view block() const { return m_text; }
+    std::string_view block() const { return m_block; }
     size_t longestText() const { return m_longest; }
     qint64 bytesHeld() const;
 
@@ -53,10 +64,21 @@ private:
     buildInStatementOrder(sqlite3* db, bool accentBlind, const std::atomic<bool>* stop, QString* error);
 
     bool m_accentBlind = false;
+    // Points the views at the arrays just built.
+    void viewOwnArrays();
+
+    // Built here: the arrays; read from a saved file: the file, mapped.
     std::vector<qint64> m_ids;
     std::vector<uint32_t> m_starts;
     std::vector<uint8_t> m_searchable;
     std::string m_text;
+    std::unique_ptr<QFile> m_mapped;
+    // What the search reads, wherever it lives.
+    qsizetype m_rows = 0;
+    const qint64* m_idAt = nullptr;
+    const uint32_t* m_startAt = nullptr;
+    const uint8_t* m_shownAt = nullptr;
+    std::string_view m_block;
     size_t m_longest = 0;
 };
 
@@ -70,6 +92,17 @@ public:
     // (a word longer than SQLite allows a pattern to be, a stray half of a
     // surrogate pair, a NUL): the caller then runs the statement.
     bool usable() const { return m_usable; }
+    // The index as a file, so that the next program to open the catalogue
+    // need not read it again (the caller puts it in place by a rename once it
+    // is whole). `maxId` is the catalogue's highest song id, kept to check
+    // the file against it. False, with no file left, when it could not be
+    // written.
+    bool save(const QString& path, qint64 maxId) const;
+    // Reads a saved index; null when the file is missing or damaged, or was
+    // made for another folding, another count of songs or another highest id.
+    static std::shared_ptr<const SongIndex> load(const QString& path, bool accentBlind, qint64 songs,
+                                                 qint64 maxId);
+
     bool accentBlind() const { return m_accentBlind; }
     // Whether the folded name of a row matches every word.
     bool matches(std::string_view folded) const;

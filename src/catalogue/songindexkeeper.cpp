@@ -4,11 +4,14 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QFile>
+#include <QFileInfo>
 #include <QPointer>
 #include <QThread>
 
 #include <sqlite3.h>
 
+#include <cstdio>
 #include <cstring>
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -26,8 +29,35 @@ SongIndexKeeper::~SongIndexKeeper() {
 void SongIndexKeeper::onRowChanged(void* self, int, const char*, const char* table, long long) {
     auto* keeper = static_cast<SongIndexKeeper*>(self);
     keeper->m_hookedChanges.fetch_add(1, std::memory_order_relaxed);
-    if (table && sqlite3_stricmp(table, "tblKaraokeTracks") == 0)
+    if (table && sqlite3_stricmp(table, "tblKaraokeTracks") == 0) {
+        if (!keeper->m_songsChangedInTransaction) {
+            keeper->m_songsChangedInTransaction = true;
+            keeper->dropSaved();
+        }
         keeper->m_songChanges.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+int SongIndexKeeper::onCommit(void* self) {
+    auto* keeper = static_cast<SongIndexKeeper*>(self);
+    if (keeper->m_songsChangedInTransaction)
+        keeper->dropSaved();
+    keeper->m_songsChangedInTransaction = false;
+    return 0; // the commit goes ahead
+}
+
+void SongIndexKeeper::onRollback(void* self) {
+    static_cast<SongIndexKeeper*>(self)->m_songsChangedInTransaction = false;
+}
+
+void SongIndexKeeper::dropSaved() {
+    if (!m_path.isEmpty())
+        QFile::remove(savedPath());
+}
+
+QString SongIndexKeeper::savedPath() const {
+    const QFileInfo catalogue(m_path);
+    return catalogue.path() + QLatin1Char('/') + catalogue.completeBaseName() + QStringLiteral(".songindex");
 }
 
 void SongIndexKeeper::attach(sqlite3* db, const QString& path) {
@@ -46,20 +76,30 @@ void SongIndexKeeper::attach(sqlite3* db, const QString& path) {
     if (!m_db)
         return;
     sqlite3_update_hook(m_db, &SongIndexKeeper::onRowChanged, this);
+    sqlite3_commit_hook(m_db, &SongIndexKeeper::onCommit, this);
+    sqlite3_rollback_hook(m_db, &SongIndexKeeper::onRollback, this);
+    m_songsChangedInTransaction = false;
     if (sqlite3_prepare_v2(m_db, "PRAGMA data_version", -1, &m_dataVersion, nullptr) != SQLITE_OK) {
         sqlite3_finalize(m_dataVersion);
         m_dataVersion = nullptr;
     }
+    // What a program killed while saving left.
+    QFile::remove(savedPath() + QStringLiteral(".new"));
     m_wantBlind = AccentBlindLike();
     startBuild(m_wantBlind);
 }
 
 void SongIndexKeeper::detach() {
     joinBuilder();
+    // A read stopped after its save leaves the file unclaimed.
+    if (!m_path.isEmpty())
+        QFile::remove(savedPath() + QStringLiteral(".new"));
     ++m_serial; // a result still queued for the main thread is dropped
     m_index.reset();
     if (m_db) {
         sqlite3_update_hook(m_db, nullptr, nullptr);
+        sqlite3_commit_hook(m_db, nullptr, nullptr);
+        sqlite3_rollback_hook(m_db, nullptr, nullptr);
         sqlite3_finalize(m_dataVersion);
     }
     m_dataVersion = nullptr;
@@ -140,36 +180,65 @@ void SongIndexKeeper::startBuild(bool accentBlind) {
     const Stamp stamp = stampNow();
     const QByteArray path = m_path.toUtf8();
     QPointer<SongIndexKeeper> self(this);
-    m_builder = std::thread([this, serial, stamp, path, accentBlind] {
+    const QString saveTo = savedPath() + QStringLiteral(".new");
+    m_builder = std::thread([this, serial, stamp, path, accentBlind, saveTo] {
         std::shared_ptr<const SongIndex> index;
+        bool saved = false;
         sqlite3* reader = nullptr;
         if (sqlite3_open_v2(path.constData(), &reader, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr) ==
             SQLITE_OK) {
             sqlite3_exec(reader, "PRAGMA cache_size = -16384", nullptr, nullptr, nullptr);
+            // One read transaction: the highest id saved with the index is
+            // that of the rows it holds.
+            sqlite3_exec(reader, "BEGIN", nullptr, nullptr, nullptr);
+            qint64 maxId = -1;
+            sqlite3_stmt* top = nullptr;
+            if (sqlite3_prepare_v2(reader, "Select ifnull(max(KaraokeTrackID), 0) From tblKaraokeTracks", -1,
+                                   &top, nullptr) == SQLITE_OK &&
+                sqlite3_step(top) == SQLITE_ROW)
+                maxId = sqlite3_column_int64(top, 0);
+            sqlite3_finalize(top);
             index = SongIndex::build(reader, accentBlind, &m_stop);
+            sqlite3_exec(reader, "COMMIT", nullptr, nullptr, nullptr);
+            if (index && maxId >= 0 && !m_stop)
+                saved = index->save(saveTo, maxId);
         }
         sqlite3_close(reader);
         if (m_stop)
             return;
         QMetaObject::invokeMethod(
-            this, [this, serial, index, stamp] { finishBuild(serial, index, stamp); }, Qt::QueuedConnection);
+            this, [this, serial, index, stamp, saved] { finishBuild(serial, index, stamp, saved); },
+            Qt::QueuedConnection);
     });
 }
 
-void SongIndexKeeper::finishBuild(quint64 serial, std::shared_ptr<const SongIndex> index, Stamp stamp) {
+void SongIndexKeeper::finishBuild(quint64 serial, std::shared_ptr<const SongIndex> index, Stamp stamp,
+                                  bool saved) {
     if (serial != m_serial)
         return;
     if (m_builder.joinable())
         m_builder.join();
     m_building = false;
-    if (!index || !m_db)
+    const QString newFile = savedPath() + QStringLiteral(".new");
+    if (!index || !m_db) {
+        QFile::remove(newFile);
         return;
+    }
     // A change while the read ran may or may not be in it: read again.
     const Stamp now = stampNow();
-    if (now.songChanges != stamp.songChanges || now.dataVersion != stamp.dataVersion) {
+    const bool unreported =
+        now.totalChanges - stamp.totalChanges > qint64(now.hookedChanges - stamp.hookedChanges);
+    if (now.songChanges != stamp.songChanges || now.dataVersion != stamp.dataVersion || unreported ||
+        m_songsChangedInTransaction) {
+        QFile::remove(newFile);
         startBuild(index->accentBlind());
         return;
     }
+    // Renamed here, on the thread that sees every change of this program,
+    // so that no change can come between the check and the file.
+    if (saved &&
+        std::rename(QFile::encodeName(newFile).constData(), QFile::encodeName(savedPath()).constData()) != 0)
+        QFile::remove(newFile);
     m_index = std::move(index);
     m_indexStamp = now;
 #if defined(__GLIBC__)
@@ -192,6 +261,32 @@ bool SongIndexKeeper::buildNow(bool accentBlind) {
     m_wantBlind = accentBlind;
     m_index = std::move(index);
     m_indexStamp = stamp;
+    return true;
+}
+
+bool SongIndexKeeper::loadSaved(bool accentBlind) {
+    if (!m_db)
+        return false;
+    sqlite3_stmt* counts = nullptr;
+    qint64 songs = -1;
+    qint64 maxId = -1;
+    if (sqlite3_prepare_v2(m_db, "Select count(*), ifnull(max(KaraokeTrackID), 0) From tblKaraokeTracks", -1,
+                           &counts, nullptr) == SQLITE_OK &&
+        sqlite3_step(counts) == SQLITE_ROW) {
+        songs = sqlite3_column_int64(counts, 0);
+        maxId = sqlite3_column_int64(counts, 1);
+    }
+    sqlite3_finalize(counts);
+    if (songs < 0)
+        return false;
+    auto index = SongIndex::load(savedPath(), accentBlind, songs, maxId);
+    if (!index)
+        return false;
+    joinBuilder();
+    ++m_serial;
+    m_wantBlind = accentBlind;
+    m_index = std::move(index);
+    m_indexStamp = stampNow();
     return true;
 }
 

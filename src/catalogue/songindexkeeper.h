@@ -20,6 +20,12 @@ struct sqlite3_stmt;
 // delete) shows in the connection's count of changed rows. Any of them makes
 // the index stale; a new one is then read on a thread of its own through a
 // read-only connection, while the searches run their statements as before.
+//
+// Each index read is also saved beside the catalogue for a short-lived
+// program (korvane-tool) to take instead of reading its own; the first change
+// to the songs by any program of ours removes the saved file, and a saved file
+// is only taken when the catalogue's count of songs and highest id still
+// match it.
 class SongIndexKeeper : public QObject {
     Q_OBJECT
 public:
@@ -41,6 +47,13 @@ public:
     // Reads the index on this thread, at once (for a program without an
     // event loop). False when the read failed.
     bool buildNow(bool accentBlind);
+    // Takes the index saved beside the catalogue when it was made for the
+    // catalogue as it is (its count of songs and highest id) and folds as
+    // asked: for a short-lived program, which then need not read one. The
+    // program keeps the index in step from then on as always.
+    bool loadSaved(bool accentBlind);
+    // Where the index is saved beside the catalogue.
+    QString savedPath() const;
     // Runs the event loop until a current index is there, at most `ms`.
     bool waitUntilCurrent(bool accentBlind, int ms);
     // Tells the keeper the index was found out of step with the catalogue.
@@ -64,9 +77,12 @@ private:
     };
     Stamp stampNow() const;
     void startBuild(bool accentBlind);
-    void finishBuild(quint64 serial, std::shared_ptr<const SongIndex> index, Stamp stamp);
+    void finishBuild(quint64 serial, std::shared_ptr<const SongIndex> index, Stamp stamp, bool saved);
     void joinBuilder();
     static void onRowChanged(void* self, int op, const char* database, const char* table, long long rowid);
+    static int onCommit(void* self);
+    static void onRollback(void* self);
+    void dropSaved();
 
     sqlite3* m_db = nullptr;
     QString m_path;
@@ -78,6 +94,9 @@ private:
     Stamp m_indexStamp;
     bool m_wantBlind = false;
     bool m_readsOnItsOwn = true;
+    // Songs changed in the transaction under way: the saved index goes at
+    // its commit too, in case another program saved one meanwhile.
+    bool m_songsChangedInTransaction = false;
 
     std::thread m_builder;
     std::atomic<bool> m_stop{false};

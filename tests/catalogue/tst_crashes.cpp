@@ -56,9 +56,11 @@ private slots:
             QCOMPARE(integrity(), "ok");
             CloseDatabase();
         }
-        // Beside the catalogue lies nothing of the compaction.
-        const QStringList left =
+        // Beside the catalogue lies nothing of the compaction (the saved
+        // song index is the catalogue's own).
+        QStringList left =
             QDir(ws.dataFolder()).entryList({"kvsonglist*", "kvSongListTemp*"}, QDir::Files | QDir::Hidden);
+        left.removeAll(QStringLiteral("kvsonglist.songindex"));
         QCOMPARE(left, QStringList{"kvsonglist.mdb"});
     }
 };

@@ -9,6 +9,7 @@
 #include "testrunner.h"
 #include "workspace.h"
 
+#include <QFile>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTest>
@@ -233,6 +234,64 @@ private slots:
         QCOMPARE(ids(*indexed).size(), 2);
         settings::writeBool(keys::AccentBlindSearch, false);
         QVERIFY(!AccentBlindLike());
+    }
+
+    // The index read in the background is saved beside the catalogue and
+    // taken back only as made: same folding, same count of songs, same
+    // highest id, and whole. The first change to the songs removes it.
+    void savedIndexIsTakenOnlyAsMade_data() {
+        QTest::addColumn<QString>("damage");
+        QTest::addColumn<bool>("taken");
+        QTest::newRow("as saved") << "" << true;
+        QTest::newRow("other folding") << "blind" << false;
+        QTest::newRow("a song more") << "count" << false;
+        QTest::newRow("another highest id") << "max" << false;
+        QTest::newRow("cut short") << "cut" << false;
+        QTest::newRow("a name's start out of order") << "start" << false;
+    }
+    void savedIndexIsTakenOnlyAsMade() {
+        QFETCH(QString, damage);
+        QFETCH(bool, taken);
+        SongIndexKeeper& keeper = SongIndexKeeper::instance();
+        keeper.refresh();
+        QVERIFY(keeper.waitUntilCurrent(false, 10000));
+        const QString saved = keeper.savedPath();
+        QVERIFY(QFile::exists(saved));
+        QSqlQuery q(dbConnection());
+        QVERIFY(q.exec(QStringLiteral("Select count(*), max(KaraokeTrackID) From tblKaraokeTracks")) &&
+                q.next());
+        qint64 songs = q.value(0).toLongLong();
+        qint64 maxId = q.value(1).toLongLong();
+        bool blind = false;
+        if (damage == QLatin1String("blind"))
+            blind = true;
+        else if (damage == QLatin1String("count"))
+            ++songs;
+        else if (damage == QLatin1String("max"))
+            ++maxId;
+        QFile f(saved);
+        QVERIFY(f.open(QIODevice::ReadWrite));
+        if (damage == QLatin1String("cut"))
+            QVERIFY(f.resize(f.size() - 1));
+        if (damage == QLatin1String("start")) {
+            // The second row's start, after the header and the ids.
+            QVERIFY(f.seek(48 + songs * 8 + 4));
+            const quint32 far = 0x7FFFFFFF;
+            f.write(reinterpret_cast<const char*>(&far), sizeof far);
+        }
+        f.close();
+        const auto loaded = SongIndex::load(saved, blind, songs, maxId);
+        QCOMPARE(bool(loaded), taken);
+        if (loaded) {
+            const auto current = keeper.current(false);
+            QCOMPARE(loaded->size(), current->size());
+            QCOMPARE(loaded->block(), current->block());
+            QCOMPARE(loaded->id(3), current->id(3));
+            QVERIFY(keeper.loadSaved(false));
+            QVERIFY(IndexedSearch(dbConnection(), {QStringLiteral("abba")}));
+        }
+        QVERIFY(q.exec(QStringLiteral("Update tblKaraokeTracks Set Notes = 'x' Where ArtistName = 'Zed'")));
+        QVERIFY(!QFile::exists(saved));
     }
 
     // A word longer than SQLite takes as a pattern is left to the statement,
