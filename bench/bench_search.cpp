@@ -396,6 +396,11 @@ bool timeIndexRead(int catalogue) {
 int main(int argc, char** argv) {
     // A home of its own, so the user's catalogue is never touched.
     QTemporaryDir home;
+    // KV_BENCH_KEEP_HOME=1 leaves the catalogue behind for a look afterwards.
+    if (qEnvironmentVariableIsSet("KV_BENCH_KEEP_HOME")) {
+        home.setAutoRemove(false);
+        out << "home kept in " << home.path() << Qt::endl;
+    }
     for (const char* sub : {"data", "Documents", "runtime"})
         QDir(home.path()).mkpath(QString::fromLatin1(sub));
     QFile::setPermissions(home.path() + "/runtime", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);

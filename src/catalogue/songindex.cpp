@@ -272,16 +272,14 @@ bool SongIndex::save(const QString& path, qint64 maxId) const {
     return true;
 }
 
-std::shared_ptr<const SongIndex> SongIndex::load(const QString& path, bool accentBlind, qint64 songs,
-                                                 qint64 maxId) {
+std::shared_ptr<const SongIndex> SongIndex::load(const QString& path, bool accentBlind, qint64 maxId) {
     auto file = std::make_unique<QFile>(path);
     if (!file->open(QIODevice::ReadOnly))
         return nullptr;
     SavedHeader h{};
     if (file->read(reinterpret_cast<char*>(&h), sizeof h) != qint64(sizeof h) ||
         std::memcmp(h.magic, kMagic, sizeof kMagic) != 0 || h.version != kSavedVersion ||
-        h.accentBlind != (accentBlind ? 1u : 0u) || h.rows != quint64(songs) || h.maxId != maxId ||
-        h.textBytes > kMostBytes)
+        h.accentBlind != (accentBlind ? 1u : 0u) || h.maxId != maxId || h.textBytes > kMostBytes)
         return nullptr;
     const size_t rows = size_t(h.rows);
     const qint64 expected =

@@ -36,9 +36,8 @@ public:
     // written.
     bool save(const QString& path, qint64 maxId) const;
     // Reads a saved index; null when the file is missing or damaged, or was
-    // made for another folding, another count of songs or another highest id.
-    static std::shared_ptr<const SongIndex> load(const QString& path, bool accentBlind, qint64 songs,
-                                                 qint64 maxId);
+    // made for another folding or another highest id.
+    static std::shared_ptr<const SongIndex> load(const QString& path, bool accentBlind, qint64 maxId);
 
     bool accentBlind() const { return m_accentBlind; }
     qsizetype size() const { return m_rows; }
@@ -99,9 +98,8 @@ public:
     // written.
     bool save(const QString& path, qint64 maxId) const;
     // Reads a saved index; null when the file is missing or damaged, or was
-    // made for another folding, another count of songs or another highest id.
-    static std::shared_ptr<const SongIndex> load(const QString& path, bool accentBlind, qint64 songs,
-                                                 qint64 maxId);
+    // made for another folding or another highest id.
+    static std::shared_ptr<const SongIndex> load(const QString& path, bool accentBlind, qint64 maxId);
 
     bool accentBlind() const { return m_accentBlind; }
     // Whether the folded name of a row matches every word.

@@ -267,19 +267,19 @@ bool SongIndexKeeper::buildNow(bool accentBlind) {
 bool SongIndexKeeper::loadSaved(bool accentBlind) {
     if (!m_db)
         return false;
-    sqlite3_stmt* counts = nullptr;
-    qint64 songs = -1;
+    // The highest id, read from the end of the table at once. Counting the
+    // songs would read the whole table, which is what the saved index is
+    // there to spare; every change by a program of ours removes the file.
     qint64 maxId = -1;
-    if (sqlite3_prepare_v2(m_db, "Select count(*), ifnull(max(KaraokeTrackID), 0) From tblKaraokeTracks", -1,
-                           &counts, nullptr) == SQLITE_OK &&
-        sqlite3_step(counts) == SQLITE_ROW) {
-        songs = sqlite3_column_int64(counts, 0);
-        maxId = sqlite3_column_int64(counts, 1);
-    }
-    sqlite3_finalize(counts);
-    if (songs < 0)
+    sqlite3_stmt* top = nullptr;
+    if (sqlite3_prepare_v2(m_db, "Select ifnull(max(KaraokeTrackID), 0) From tblKaraokeTracks", -1, &top,
+                           nullptr) == SQLITE_OK &&
+        sqlite3_step(top) == SQLITE_ROW)
+        maxId = sqlite3_column_int64(top, 0);
+    sqlite3_finalize(top);
+    if (maxId < 0)
         return false;
-    auto index = SongIndex::load(savedPath(), accentBlind, songs, maxId);
+    auto index = SongIndex::load(savedPath(), accentBlind, maxId);
     if (!index)
         return false;
     joinBuilder();

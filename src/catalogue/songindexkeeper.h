@@ -24,8 +24,8 @@ struct sqlite3_stmt;
 // Each index read is also saved beside the catalogue for a short-lived
 // program (korvane-tool) to take instead of reading its own; the first change
 // to the songs by any program of ours removes the saved file, and a saved file
-// is only taken when the catalogue's count of songs and highest id still
-// match it.
+// is only taken when the catalogue's highest id still matches it. The program
+// itself never takes it: it reads its own index at every start.
 class SongIndexKeeper : public QObject {
     Q_OBJECT
 public:
@@ -48,9 +48,8 @@ public:
     // event loop). False when the read failed.
     bool buildNow(bool accentBlind);
     // Takes the index saved beside the catalogue when it was made for the
-    // catalogue as it is (its count of songs and highest id) and folds as
-    // asked: for a short-lived program, which then need not read one. The
-    // program keeps the index in step from then on as always.
+    // catalogue as it is (its highest id) and folds as asked: for a short-lived program, which then need not
+    // read one. The program keeps the index in step from then on as always.
     bool loadSaved(bool accentBlind);
     // Where the index is saved beside the catalogue.
     QString savedPath() const;

@@ -38,6 +38,7 @@ public:
     static const LibrarySong& neonHarbour();   // a zip with a password
     static const LibrarySong& paperLanterns(); // a bare mp3+CD+G pair
     static const LibrarySong& copperRain();    // a plain zip
+    static const LibrarySong& cafeLights();    // a name with accents: "Renée Fontaine - Café Lights"
     static const LibrarySong& taggedTake();    // an mp3 with an ID3v1 tag, no graphics
     static QString taggedArtist() { return QStringLiteral("Rosa Lind"); }
     static QString taggedTitle() { return QStringLiteral("Midnight Ferry"); }
