@@ -457,7 +457,7 @@ int main(int argc, char** argv) {
         return 1;
     const QStringList toolQueries = queries.mid(0, 12) + queries.mid(140, 8);
     const double toolMs = timeToolSearch(toolQueries);
-    bench::print("korvane-tool search | head -40, 1000000 songs, median", toolMs, "ms", 150);
+    bench::print("korvane-tool search piped to head -40, 1000000 songs, median", toolMs, "ms", 150);
     QFile::rename(SongIndexKeeper::instance().savedPath(), SongIndexKeeper::instance().savedPath() + ".away");
     out << QStringLiteral("for comparison, the same without the saved index (the statement): %1 ms")
                .arg(timeToolSearch(toolQueries.mid(0, 6)), 0, 'f', 1)

@@ -63,7 +63,7 @@ int main(int argc, char** argv) {
 
     bench::fillCatalogue(catalogue, 1000000);
     std::printf("catalogue of 1,000,000 songs: %.0f MB\n", double(QFileInfo(catalogue).size()) / 1e6);
-    bench::print("start-up to ready, 1,000,000 songs (median of 5)", timeStartup(), "ms", 300);
+    bench::print("start-up to ready, 1,000,000 songs (median of 5)", timeStartup(), "ms", 150);
 
     oApplicationPaths = std::make_unique<cApplicationPaths>();
     CheckWorkingFolder();

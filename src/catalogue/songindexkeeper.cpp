@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QPointer>
 #include <QThread>
+#include <QTimer>
 
 #include <sqlite3.h>
 
@@ -86,7 +87,14 @@ void SongIndexKeeper::attach(sqlite3* db, const QString& path) {
     // What a program killed while saving left.
     QFile::remove(savedPath() + QStringLiteral(".new"));
     m_wantBlind = AccentBlindLike();
-    startBuild(m_wantBlind);
+    // The first read waits until the window is up: on two cores it would
+    // otherwise share them with the start. A search before it runs its
+    // statement (and starts the read itself).
+    const quint64 serial = m_serial;
+    QTimer::singleShot(kFirstReadDelayMs, this, [this, serial] {
+        if (serial == m_serial && !m_index && !m_building)
+            startBuild(m_wantBlind);
+    });
 }
 
 void SongIndexKeeper::detach() {

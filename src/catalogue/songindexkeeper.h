@@ -32,8 +32,8 @@ public:
     static SongIndexKeeper& instance();
     ~SongIndexKeeper() override;
 
-    // Follows the connection `db` on the catalogue file `path`; starts the
-    // first read of the index in the background.
+    // Follows the connection `db` on the catalogue file `path`; the first
+    // read of the index starts in the background a second later.
     void attach(sqlite3* db, const QString& path);
     // Lets go of the connection (before it closes); a read under way stops.
     void detach();
@@ -60,6 +60,8 @@ public:
     // Whether the keeper reads an index on its own (on by default): a
     // short-lived program that only runs a statement or two turns it off.
     void setReadsOnItsOwn(bool on) { m_readsOnItsOwn = on; }
+
+    static constexpr int kFirstReadDelayMs = 1000;
 
 signals:
     // A fresh index is in place.
