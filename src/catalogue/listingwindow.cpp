@@ -1,7 +1,7 @@
 #include "listingwindow.h"
 
 #include "catalogue/database.h"
-#include "catalogue/sqlitestatement.h"
+#include "catalogue/songlookup.h"
 
 ListingWindow::ListingWindow(sqlite3* db, std::shared_ptr<const SongIndex> index)
     : m_db(db), m_generation(ConnectionGeneration()), m_index(std::move(index)) {}
@@ -49,21 +49,9 @@ void ListingWindow::readBlock(int block) const {
     std::vector<Texts> texts(size_t(qMax(0, count)));
     // A connection closed and opened since has other rows: show none.
     if (m_generation == ConnectionGeneration() && count > 0) {
-        // A statement standing on its row keeps one read open for the block.
-        SqliteStatement hold(m_db, "Select 1 From tblKaraokeTracks Limit 1");
-        hold.next();
-        SqliteStatement lookup(
-            m_db,
-            "Select ArtistName, TrackName, DiscName, TrackNo From tblKaraokeTracks Where KaraokeTrackID = ?");
-        for (int i = 0; lookup.ok() && i < count; ++i) {
-            lookup.bind(1, id(first + i));
-            if (lookup.next())
-                for (int c = 0; c < CompactRowStore::kTexts; ++c) {
-                    const QByteArrayView t = lookup.text(c);
-                    texts[size_t(i)][size_t(c)] = QString::fromUtf8(t.data(), t.size());
-                }
-            lookup.reset();
-        }
+        SongLookup lookup(m_db);
+        for (int i = 0; lookup.ok() && i < count; ++i)
+            lookup.read(id(first + i), texts[size_t(i)]);
     }
     m_blocks.emplace(block, std::move(texts));
     m_blockOrder.push_back(block);

@@ -43,26 +43,13 @@ bool IndexedRowSource::next(qint64& id, CompactRowStore::Texts& texts) {
     // The connection the rows were found for is gone.
     if (m_generation != ConnectionGeneration())
         return false;
-    if (!m_row) {
-        m_row = std::make_unique<SqliteStatement>(
-            m_db,
-            "Select ArtistName, TrackName, DiscName, TrackNo From tblKaraokeTracks Where KaraokeTrackID = ?");
-        if (!m_row->ok())
+    if (!m_lookup) {
+        m_lookup = std::make_unique<SongLookup>(m_db);
+        if (!m_lookup->ok())
             return false;
-        m_hold = std::make_unique<SqliteStatement>(m_db, "Select 1 From tblKaraokeTracks Limit 1");
-        m_hold->next();
     }
     while (m_scan.next(id)) {
-        m_row->bind(1, id);
-        const bool found = m_row->next();
-        if (found) {
-            for (int c = 0; c < CompactRowStore::kTexts; ++c) {
-                const QByteArrayView t = m_row->text(c);
-                texts[size_t(c)] = QString::fromUtf8(t.data(), t.size());
-            }
-        }
-        m_row->reset();
-        if (found)
+        if (m_lookup->read(id, texts))
             return true;
         SongIndexKeeper::instance().distrust();
     }

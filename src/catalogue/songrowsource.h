@@ -3,7 +3,7 @@
 #include "catalogue/compactrowstore.h"
 #include "catalogue/listingwindow.h"
 #include "catalogue/songindex.h"
-#include "catalogue/sqlitestatement.h"
+#include "catalogue/songlookup.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -44,20 +44,13 @@ public:
     bool next(qint64& id, CompactRowStore::Texts& texts) override;
     // The lookup is prepared again for the next rows: a statement left
     // prepared would keep the connection from closing.
-    void pause() override {
-        m_row.reset();
-        m_hold.reset();
-    }
+    void pause() override { m_lookup.reset(); }
 
 private:
     IndexScan m_scan;
     sqlite3* m_db;
     quint64 m_generation;
-    std::unique_ptr<SqliteStatement> m_row;
-    // A statement left standing on its first row keeps one read of the
-    // catalogue open for a block's lookups, instead of a lock taken and given
-    // back for each one.
-    std::unique_ptr<SqliteStatement> m_hold;
+    std::unique_ptr<SongLookup> m_lookup;
 };
 
 // The typed search's rows from the index, or null when the index cannot
