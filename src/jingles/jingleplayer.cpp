@@ -33,9 +33,14 @@ void JinglePlayer::close() {
     m_fadeTimer.stop();
     m_eventTimer.stop();
     m_mpv.kill();
+    m_initPending = false;
 }
 
 bool JinglePlayer::PlayerInit(const QString& program, int device) {
+    return PlayerInitStart(program, device) && finishInit();
+}
+
+bool JinglePlayer::PlayerInitStart(const QString& program, int device) {
     close();
     m_mpv.setSocketPath(PlayerSocket::pathFor(kSocketName));
     const QStringList args = {QStringLiteral("--no-video"), QStringLiteral("--idle=yes"),
@@ -43,6 +48,15 @@ bool JinglePlayer::PlayerInit(const QString& program, int device) {
                               QStringLiteral("--keep-open=no")};
     if (program.isEmpty() || !m_mpv.start(program, args))
         return false;
+    m_initDevice = device;
+    m_initPending = true;
+    return true;
+}
+
+bool JinglePlayer::finishInit() {
+    if (!m_initPending)
+        return m_mpv.isOpen();
+    m_initPending = false;
     // The engine answers once it has set up its IPC; something that never
     // answers as mpv does is not kept.
     QDeadlineTimer deadline(10000);
@@ -58,7 +72,7 @@ bool JinglePlayer::PlayerInit(const QString& program, int device) {
     m_loaded = false;
     m_devices.clear();
     refreshDevices();
-    PlayerSetDevice(device);
+    PlayerSetDevice(m_initDevice);
     m_eventTimer.start();
     return true;
 }
@@ -71,6 +85,7 @@ void JinglePlayer::PlayerFade(int mode, int ms, int /*shape*/, int /*reserved*/)
 }
 
 int JinglePlayer::PlayerState() {
+    finishInit();
     if (!m_mpv.isOpen() || !m_loaded)
         return 0;
     m_mpv.pollEvents();
@@ -82,11 +97,13 @@ int JinglePlayer::PlayerState() {
 }
 
 void JinglePlayer::PlayerLoad(const QString& path) {
+    finishInit();
     m_path = path;
     m_loaded = true;
 }
 
 void JinglePlayer::PlayerPlay() {
+    finishInit();
     if (!m_mpv.isOpen())
         return;
     m_fadeTimer.stop();
@@ -104,6 +121,7 @@ void JinglePlayer::PlayerPlay() {
 }
 
 void JinglePlayer::PlayerStop() {
+    finishInit();
     m_fadeTimer.stop();
     if (!m_mpv.isOpen())
         return;
@@ -150,17 +168,20 @@ void JinglePlayer::refreshDevices() {
 }
 
 int JinglePlayer::DeviceCount() {
+    finishInit();
     refreshDevices();
     return int(m_devices.size());
 }
 
 QString JinglePlayer::DeviceName(int index) {
+    finishInit();
     if (index < 0 || index >= m_devices.size())
         return {};
     return m_devices[index].description;
 }
 
 void JinglePlayer::PlayerSetDevice(int index) {
+    finishInit();
     if (index < 0 || index >= m_devices.size() || !m_mpv.isOpen())
         return;
     if (m_mpv.setProperty(QStringLiteral("audio-device"), m_devices[index].name)) {

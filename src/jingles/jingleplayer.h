@@ -47,6 +47,12 @@ public:
     // Starts the engine from `program` (the player's executable) on output
     // `device`. False when no engine runs; every operation is then quiet.
     bool PlayerInit(const QString& program, int device);
+    // The same in two halves, so that the program can start the engine's
+    // process and go on with its own start while the engine comes up: the
+    // first starts the process, the second waits for its answer and sets it
+    // up. Any operation before the second does the second first.
+    bool PlayerInitStart(const QString& program, int device);
+    bool finishInit();
     void PlayerFade(int mode, int ms, int shape, int reserved);
     int PlayerState();
     void PlayerLoad(const QString& path);
@@ -61,6 +67,7 @@ public:
     void stop() override { PlayerStop(); }
 
     bool isRunning() const { return m_mpv.isOpen(); }
+    bool isInitPending() const { return m_initPending; }
     qint64 processId() const { return m_mpv.processId(); }
     // The engine's mpv itself, for figures and for tests that read its properties.
     MpvInstance& instance() { return m_mpv; }
@@ -84,6 +91,8 @@ private:
     QString m_path;
     bool m_loaded = false;
     bool m_deviceLossLogged = false;
+    bool m_initPending = false;
+    int m_initDevice = 0;
     int m_fadeInMs = 0;
     int m_fadeOutMs = 0;
     QTimer m_fadeTimer;  // the fade-out towards a jingle's end

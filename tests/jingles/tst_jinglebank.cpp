@@ -102,6 +102,32 @@ private slots:
         QVERIFY(m_prompts->calls.isEmpty());
     }
 
+    // The program starts the engine's process and goes on with its own start;
+    // the engine is answered for when the buttons are set up, or by the first
+    // thing asked of it, whichever comes first.
+    void engineStartedAheadIsReadyWhenAsked_data() {
+        QTest::addColumn<bool>("buttonsSetUp");
+        QTest::newRow("answered at the buttons' set-up") << true;
+        QTest::newRow("answered by the first load") << false;
+    }
+    void engineStartedAheadIsReadyWhenAsked() {
+        QFETCH(bool, buttonsSetUp);
+        assign(0, media("Applause.mp3"));
+        m_rig->bank.InitBacking(m_wrapper);
+        QVERIFY(m_rig->jingles.isRunning());
+        QVERIFY(m_rig->jingles.isInitPending());
+        if (buttonsSetUp) {
+            m_rig->bank.InitialiseJingles();
+            QVERIFY(!m_rig->jingles.isInitPending());
+            m_rig->bank.cmdJingle_Click(0);
+        } else {
+            m_rig->jingles.PlayerLoad(media("Applause.mp3"));
+            QVERIFY(!m_rig->jingles.isInitPending());
+            m_rig->jingles.PlayerPlay();
+        }
+        QVERIFY(jinglePlays(media("Applause.mp3")));
+    }
+
     // One voice: a click stops what sounds and starts its own file from the
     // beginning, the same button included. A missing file and a file that
     // cannot be decoded are tried, quietly, stop what sounded, and leave the
