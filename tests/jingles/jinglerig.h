@@ -8,10 +8,14 @@
 #include "jingles/jingleplayer.h"
 #include "playback/winamp_control.h"
 #include "playbackmedia.h"
+#include "scriptedprompts.h"
+#include "workspace.h"
 
 #include <QJsonValue>
 #include <QProcess>
 #include <QTest>
+
+#include <memory>
 
 namespace jinglemedia {
 
@@ -49,6 +53,26 @@ struct Rig {
         karaoke.ClearPlaylist();
         return karaoke.PlayFile(file) && (karaoke.SendCommand(PlayerLink::CmdPlay), true) &&
                QTest::qWaitFor([this] { return karaokePos() > 0.3; }, playbackmedia::kPlayerSlack);
+    }
+};
+
+// What every jingle test starts from and ends with: a fresh working folder,
+// scripted prompts, the start-up values, and the rig on the wrapper.
+struct RigSession {
+    std::unique_ptr<TestWorkspace> m_ws;
+    std::unique_ptr<ScriptedPrompts> m_prompts;
+    std::unique_ptr<Rig> m_rig;
+
+    void openSession(const QString& wrapper) {
+        m_ws = std::make_unique<TestWorkspace>(false);
+        m_prompts = std::make_unique<ScriptedPrompts>();
+        Cfg = AppSettings();
+        m_rig = std::make_unique<Rig>(wrapper);
+    }
+    void closeSession() {
+        m_rig.reset();
+        m_prompts.reset();
+        m_ws.reset();
     }
 };
 

@@ -16,11 +16,8 @@ using namespace jinglemedia;
 using namespace playbackmedia;
 
 // The jingle bank on its own engine beside the karaoke player, both real.
-class TestJingleBank : public QObject {
+class TestJingleBank : public QObject, private RigSession {
     Q_OBJECT
-    std::unique_ptr<TestWorkspace> m_ws;
-    std::unique_ptr<ScriptedPrompts> m_prompts;
-    std::unique_ptr<Rig> m_rig;
     QTemporaryDir m_dir;
     QString m_wrapper;
 
@@ -41,17 +38,8 @@ private slots:
         QVERIFY(makeTone(media("Drumroll.wma"), 8.0, "asf", "wmav2"));
         QVERIFY(writeFile(media("Broken.mp3"), QByteArray(64 * 1024, '\x5a')));
     }
-    void init() {
-        m_ws = std::make_unique<TestWorkspace>(false);
-        m_prompts = std::make_unique<ScriptedPrompts>();
-        Cfg = AppSettings();
-        m_rig = std::make_unique<Rig>(m_wrapper);
-    }
-    void cleanup() {
-        m_rig.reset();
-        m_prompts.reset();
-        m_ws.reset();
-    }
+    void init() { openSession(m_wrapper); }
+    void cleanup() { closeSession(); }
 
     // The captions the buttons get from the settings. Bad values in a key
     // (a path far too long for the system, bytes that are not UTF-8) cost

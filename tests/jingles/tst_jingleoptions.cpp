@@ -24,11 +24,8 @@ using namespace playbackmedia;
 
 // The options page of the fill buttons and the main screen's buttons, on a
 // real engine.
-class TestJingleOptions : public QObject {
+class TestJingleOptions : public QObject, private RigSession {
     Q_OBJECT
-    std::unique_ptr<TestWorkspace> m_ws;
-    std::unique_ptr<ScriptedPrompts> m_prompts;
-    std::unique_ptr<Rig> m_rig;
     QTemporaryDir m_dir;
     QString m_wrapper;
 
@@ -38,17 +35,10 @@ private slots:
         QVERIFY(makeMp3(m_dir.filePath("Cheer.mp3"), 4.0));
     }
     void init() {
-        m_ws = std::make_unique<TestWorkspace>(false);
-        m_prompts = std::make_unique<ScriptedPrompts>();
-        Cfg = AppSettings();
-        m_rig = std::make_unique<Rig>(m_wrapper);
+        openSession(m_wrapper);
         QVERIFY(m_rig->jingles.PlayerInit(m_wrapper, 0));
     }
-    void cleanup() {
-        m_rig.reset();
-        m_prompts.reset();
-        m_ws.reset();
-    }
+    void cleanup() { closeSession(); }
 
     // The page shows the keys, the engine's outputs and the setting as they stand.
     void pageShowsTheSettings_data() {
