@@ -11,28 +11,54 @@
 #include "core/globals.h"
 #include "core/prompts.h"
 #include "core/workingfolder.h"
+#include "playback/winamp_control.h"
 #include "screens/frmmain.h"
 #include "screens/mainparts.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFileInfo>
+
+#include <algorithm>
+#include <vector>
 
 namespace {
 
-// The time from the start of the load to the main window being ready, less
-// the two fixed waits of a start: the splash's five seconds and the one
-// second the player is given before it is first asked whether it is up.
-double timeStartup() {
-    return bench::medianMs(5, nullptr, [] {
+struct StartTimes {
+    double ready = 0;  // the main window ready for the host
+    double player = 0; // the karaoke player answering, in the background
+};
+
+// The times from the creation of the main window to its being ready, and to
+// the player answering (which the window does not wait for), less the two
+// fixed waits of a start: the splash's five seconds and the one second the
+// player is given before it is first asked whether it is up. The close that
+// follows each start is not timed.
+StartTimes timeStartup() {
+    std::vector<double> ready;
+    std::vector<double> player;
+    for (int run = 0; run < 5; ++run) {
+        QElapsedTimer t;
+        t.start();
         frmMain w;
         w.setSplashMinimumMs(0);
-        w.parts().player().setWaiter([](int) {});
+        WinAMP_Control& link = w.parts().player();
+        link.setWaiter([](int) {});
         if (!w.Form_Load(QString()))
             std::printf("start-up failed\n");
         while (!w.isReady())
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+        ready.push_back(double(t.nsecsElapsed()) / 1e6);
+        while (link.isStarting())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+        player.push_back(double(t.nsecsElapsed()) / 1e6);
+        if (!link.isConnected())
+            std::printf("the player did not answer\n");
         w.close();
-    });
+    }
+    std::sort(ready.begin(), ready.end());
+    std::sort(player.begin(), player.end());
+    return {ready[ready.size() / 2], player[player.size() / 2]};
 }
 
 } // namespace
@@ -59,11 +85,15 @@ int main(int argc, char** argv) {
     }
     const QString catalogue = oApplicationPaths->ApplicationDatabaseFile();
 
-    bench::print("start-up to ready, empty catalogue (median of 5)", timeStartup(), "ms", 300);
+    const StartTimes empty = timeStartup();
+    bench::print("start-up to ready, empty catalogue (median of 5)", empty.ready, "ms", 300);
+    std::printf("  the player answering, in the background: %.0f ms after the start\n", empty.player);
 
     bench::fillCatalogue(catalogue, 1000000);
     std::printf("catalogue of 1,000,000 songs: %.0f MB\n", double(QFileInfo(catalogue).size()) / 1e6);
-    bench::print("start-up to ready, 1,000,000 songs (median of 5)", timeStartup(), "ms", 150);
+    const StartTimes full = timeStartup();
+    bench::print("start-up to ready, 1,000,000 songs (median of 5)", full.ready, "ms", 150);
+    std::printf("  the player answering, in the background: %.0f ms after the start\n", full.player);
 
     oApplicationPaths = std::make_unique<cApplicationPaths>();
     CheckWorkingFolder();

@@ -39,8 +39,8 @@ void JingleBank::InitBacking(const QString& program) {
     Guarded(QStringLiteral("KvApp.frmMain.InitBacking"), 0, [&] {
         m_audioDevice = qint16(settings::readInt(keys::AudioDevice));
         QCoreApplication::processEvents();
-        // The engine's process starts now and is answered for when the
-        // buttons are set up, once the karaoke player has started beside it.
+        // The engine's process starts now and is set up once it answers, or
+        // by the first thing asked of it: the program's start does not wait.
         m_player.PlayerInitStart(program, m_audioDevice);
         m_player.PlayerFade(1, 3000, 4, 0);
         m_player.PlayerFade(0, 3000, 4, 0);
@@ -49,7 +49,6 @@ void JingleBank::InitBacking(const QString& program) {
 
 void JingleBank::InitialiseJingles() {
     Guarded(QStringLiteral("KvApp.frmMain.InitialiseJingles"), 0, [&] {
-        m_player.finishInit();
         for (int i = 0; i < kButtons; ++i) {
             Button& b = m_buttons[size_t(i)];
             b.tag = settings::readText(keys::Jingle[size_t(i)], QString());

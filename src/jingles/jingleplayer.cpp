@@ -22,7 +22,12 @@ JinglePlayer::JinglePlayer(QObject* parent) : QObject(parent) {
     m_fadeTimer.setInterval(kFadeTickMs);
     connect(&m_fadeTimer, &QTimer::timeout, this, [this] { fadeTick(); });
     m_eventTimer.setInterval(kEventPollMs);
-    connect(&m_eventTimer, &QTimer::timeout, this, [this] { m_mpv.pollEvents(); });
+    connect(&m_eventTimer, &QTimer::timeout, this, [this] {
+        if (!m_initPending)
+            m_mpv.pollEvents();
+        else if (m_mpv.hasSpoken() || !m_mpv.isOpen())
+            finishInit();
+    });
 }
 
 JinglePlayer::~JinglePlayer() {
@@ -50,6 +55,9 @@ bool JinglePlayer::PlayerInitStart(const QString& program, int device) {
         return false;
     m_initDevice = device;
     m_initPending = true;
+    // The reply to this shows that the engine is up.
+    m_mpv.post(QJsonArray{QStringLiteral("get_property"), QStringLiteral("mpv-version")});
+    m_eventTimer.start(kInitLookMs);
     return true;
 }
 
@@ -57,6 +65,7 @@ bool JinglePlayer::finishInit() {
     if (!m_initPending)
         return m_mpv.isOpen();
     m_initPending = false;
+    m_eventTimer.stop();
     // The engine answers once it has set up its IPC; something that never
     // answers as mpv does is not kept.
     QDeadlineTimer deadline(10000);
@@ -73,7 +82,7 @@ bool JinglePlayer::finishInit() {
     m_devices.clear();
     refreshDevices();
     PlayerSetDevice(m_initDevice);
-    m_eventTimer.start();
+    m_eventTimer.start(kEventPollMs);
     return true;
 }
 

@@ -40,6 +40,8 @@ public:
     static constexpr int kStopSettleMs = 500;
     static constexpr int kFadeTickMs = 100;
     static constexpr int kEventPollMs = 500;
+    // How often the event loop looks for the first answer of an engine started ahead.
+    static constexpr int kInitLookMs = 5;
 
     explicit JinglePlayer(QObject* parent = nullptr);
     ~JinglePlayer() override;
@@ -50,7 +52,8 @@ public:
     // The same in two halves, so that the program can start the engine's
     // process and go on with its own start while the engine comes up: the
     // first starts the process, the second waits for its answer and sets it
-    // up. Any operation before the second does the second first.
+    // up. The event loop does the second once the engine answers; any
+    // operation before then does it first, and waits.
     bool PlayerInitStart(const QString& program, int device);
     bool finishInit();
     void PlayerFade(int mode, int ms, int shape, int reserved);

@@ -143,6 +143,12 @@ bool MpvInstance::drainArrived() {
     return m_pending.size() > before;
 }
 
+bool MpvInstance::hasSpoken() {
+    if (isOpen())
+        drainArrived();
+    return !m_pending.isEmpty();
+}
+
 MpvInstance::Reply MpvInstance::request(const QJsonValue& command) {
     Reply r;
     if (!isOpen()) {

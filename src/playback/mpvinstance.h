@@ -105,6 +105,9 @@ public:
     }
     // Takes in what has arrived, without waiting, and hands its events over.
     void pollEvents();
+    // Takes in what has arrived, without waiting: true when anything the
+    // player said is waiting to be read.
+    bool hasSpoken();
 
 private:
     std::optional<QJsonValue> readReply(qint64 id, QDeadlineTimer deadline, QString* error);

@@ -10,6 +10,20 @@
 
 #include <QCoreApplication>
 
+namespace {
+
+// The program the start-up runs as the player: the one WinAmpPath names when
+// it is there, else (for this run only; the setting keeps what the host wrote)
+// the player of the install folder. None for an empty WinAmpPath.
+QString startupProgram(const QString& winampPath) {
+    if (winampPath.isEmpty() || FileExists(winampPath))
+        return winampPath;
+    return oApplicationPaths ? oApplicationPaths->WinampExecutable()
+                             : cApplicationPaths::playerFolder() + "/mpv";
+}
+
+} // namespace
+
 bool StartPlayerAtStartup(WinAMP_Control& link, const std::function<void(const QString&)>& progress,
                           const std::function<void()>& restoreQueue) {
     auto say = [&progress](const char* text) {
@@ -22,28 +36,27 @@ bool StartPlayerAtStartup(WinAMP_Control& link, const std::function<void(const Q
         restoreQueue();
     say("Starting Winamp Instance");
     QCoreApplication::processEvents();
-    if (link.WinampPath().isEmpty())
+    const QString program = startupProgram(link.WinampPath());
+    if (program.isEmpty())
         return false;
-    if (FileExists(link.WinampPath())) {
-        if (link.StartPlayer()) {
+    const bool own = program == link.WinampPath();
+    link.setWinampPath(program);
+    // The program goes on while the player comes up; it is made ready once it answers.
+    const auto makeReady = [&link, own] {
+        if (own) {
             link.DisableRepeat();
             link.DisableShuffle();
-            return true;
         }
-    } else {
-        // The fallback holds for this run only; the setting keeps what the host wrote.
-        const QString fallback = oApplicationPaths ? oApplicationPaths->WinampExecutable()
-                                                   : cApplicationPaths::playerFolder() + "/mpv";
-        link.setWinampPath(fallback);
-        if (link.StartPlayer())
-            return true;
-    }
+    };
+    if (link.StartPlayerInBackground(makeReady))
+        return true;
     say("Unable To Start Winamp");
     return false;
 }
 
-void PreparePlaybackAtStartup(modPacemaker& pacemaker) {
-    pacemaker.FindPaceMaker();
+void PreparePlaybackAtStartup(modPacemaker& pacemaker, WinAMP_Control& link) {
+    // The shifter is looked for in the player, once it answers.
+    link.whenReady([&pacemaker] { pacemaker.FindPaceMaker(); });
     BuildArchivePassword();
 }
 

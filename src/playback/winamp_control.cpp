@@ -20,6 +20,7 @@
 
 #include <cmath>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -48,6 +49,8 @@ const QString kMpvConf =
 
 WinAMP_Control::WinAMP_Control(QObject* parent) : QObject(parent), m_wait(pumpingWait) {
     m_fadeTimer.setInterval(kFadeMs / kFadeSteps);
+    m_startTimer.setInterval(kStartLookMs);
+    connect(&m_startTimer, &QTimer::timeout, this, [this] { checkStart(); });
     connect(&m_fadeTimer, &QTimer::timeout, this, [this] { fadeStep(); });
     m_conn.setStallHandler([this](const QString& reason) { logStall(reason); });
 }
@@ -105,6 +108,11 @@ QStringList WinAMP_Control::playerArguments() const {
 }
 
 bool WinAMP_Control::FindPlayer() {
+    finishStart();
+    return findPlayer();
+}
+
+bool WinAMP_Control::findPlayer() {
     m_conn.setTimeout(kRequestTimeoutMs);
     bool found = m_conn.isOpen() && m_conn.property(QStringLiteral("mpv-version")).has_value();
     if (!found) {
@@ -122,6 +130,15 @@ bool WinAMP_Control::FindPlayer() {
 }
 
 bool WinAMP_Control::StartPlayer() {
+    m_startPending = false;
+    m_startTimer.stop();
+    if (!launchPlayer())
+        return false;
+    m_wait(1000);
+    return awaitPlayer(kStartAttempts);
+}
+
+bool WinAMP_Control::launchPlayer() {
     if (!FileExists(m_winampPath)) {
         prompts().msgBox(
             QStringLiteral("Sorry but Winamp 2.7x and above (Not 3.x) does not appear to be installed\n"
@@ -134,19 +151,24 @@ bool WinAMP_Control::StartPlayer() {
     // Without a private place for it the player has no socket; the program
     // itself talks to it over the socket pair all the same.
     m_conn.setSocketPath(playerSocketPath());
-    if (!m_conn.start(m_winampPath, playerArguments()))
-        return false;
-    m_wait(1000);
-    for (int attempt = 0; attempt <= 10; ++attempt) {
+    return m_conn.start(m_winampPath, playerArguments());
+}
+
+bool WinAMP_Control::awaitPlayer(int attempts) {
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (attempt > 0)
+            m_wait(1000);
         // A short probe: something that is not a player must not hold start-up much longer
         // than the waits themselves. Events are of no use to a link that polls, and would
         // only sit in the way of replies.
         m_conn.setTimeout(kStartProbeTimeoutMs);
         const bool answered =
             m_conn.isOpen() && m_conn.command({QStringLiteral("disable_event"), QStringLiteral("all")}).ok;
-        if (answered && FindPlayer())
+        if (answered && findPlayer())
             return true;
-        m_wait(1000);
+        // Nobody holds the other end any more: nothing is going to answer.
+        if (!m_conn.isOpen())
+            break;
     }
     // Whatever was started is not a player this program can drive: it must not linger.
     m_conn.kill();
@@ -154,8 +176,63 @@ bool WinAMP_Control::StartPlayer() {
     return false;
 }
 
+bool WinAMP_Control::StartPlayerInBackground(std::function<void()> whenReady) {
+    m_startPending = false;
+    m_startTimer.stop();
+    if (!launchPlayer())
+        return false;
+    // The reply to this first word shows that the player is up.
+    m_conn.post(QJsonArray{QStringLiteral("disable_event"), QStringLiteral("all")});
+    m_whenStarted.clear();
+    if (whenReady)
+        m_whenStarted.push_back(std::move(whenReady));
+    m_startDeadline.setRemainingTime(kBackgroundStartMs);
+    m_startPending = true;
+    m_startTimer.start();
+    return true;
+}
+
+void WinAMP_Control::checkStart() {
+    if (!m_startPending) {
+        m_startTimer.stop();
+        return;
+    }
+    if (m_conn.hasSpoken() || !m_conn.isOpen() || m_startDeadline.hasExpired())
+        finishStart();
+}
+
+bool WinAMP_Control::finishStart() {
+    if (!m_startPending)
+        return m_connected;
+    m_startPending = false;
+    m_startTimer.stop();
+    // The probes go on until the start's deadline, as a start in the
+    // foreground would have.
+    const int attempts = std::max<int>(1, int(m_startDeadline.remainingTime() / 1000) + 1);
+    if (!awaitPlayer(attempts)) {
+        LogErrorExQuietly(QStringLiteral("WinAMP_Control.StartPlayer"), 0,
+                          QStringLiteral("The player did not answer: ") + m_winampPath, 0);
+        return false;
+    }
+    for (const std::function<void()>& work : std::exchange(m_whenStarted, {}))
+        work();
+    return true;
+}
+
+void WinAMP_Control::whenReady(std::function<void()> work) {
+    if (m_startPending)
+        m_whenStarted.push_back(std::move(work));
+    else
+        work();
+}
+
+bool WinAMP_Control::ready() {
+    finishStart();
+    return m_connected;
+}
+
 bool WinAMP_Control::requirePlayer() {
-    if (m_connected)
+    if (ready())
         return true;
     prompts().msgBox(QStringLiteral("This application has not been configured properly or the winamp window "
                                     "has been closed!"),
@@ -179,7 +256,7 @@ void WinAMP_Control::ClearPlaylist() {
 }
 
 int WinAMP_Control::rawStatus() {
-    if (!m_connected)
+    if (!ready())
         return RawStopped;
     // A question the player leaves unanswered is no answer, never a stop.
     const auto idle = m_conn.property(QStringLiteral("idle-active"));
@@ -258,12 +335,14 @@ void WinAMP_Control::toggleShuffle() {
 }
 
 void WinAMP_Control::DisableRepeat() {
+    finishStart();
     const auto v = m_conn.property(QStringLiteral("loop-playlist"));
     if (v && (v->isString() ? v->toString() != QLatin1String("no") : v->toBool()))
         toggleRepeat();
 }
 
 void WinAMP_Control::DisableShuffle() {
+    finishStart();
     const auto v = m_conn.property(QStringLiteral("shuffle"));
     if (v && v->toBool())
         toggleShuffle();
@@ -388,7 +467,7 @@ void WinAMP_Control::cancelFade() {
 }
 
 bool WinAMP_Control::PlayFile(const QString& path) {
-    if (!m_connected)
+    if (!ready())
         return false;
     QJsonObject cmd{{QStringLiteral("name"), QStringLiteral("loadfile")},
                     {QStringLiteral("flags"), QStringLiteral("append")}};
@@ -411,7 +490,7 @@ bool WinAMP_Control::PlayFile(const QString& path) {
 }
 
 bool WinAMP_Control::hasAudioFilter(const QString& filterName) {
-    if (!m_connected)
+    if (!ready())
         return false;
     // Adding an unknown filter fails at once; a known one is taken out again.
     const QString probe = QStringLiteral("kvprobe");
@@ -425,6 +504,7 @@ bool WinAMP_Control::hasAudioFilter(const QString& filterName) {
 }
 
 bool WinAMP_Control::setAudioFilter(const QString& label, const QString& filter) {
+    finishStart();
     // A labelled filter that exists is replaced in place.
     return m_conn
         .command({QStringLiteral("af"), QStringLiteral("add"), QStringLiteral("@%1:%2").arg(label, filter)})
@@ -432,6 +512,7 @@ bool WinAMP_Control::setAudioFilter(const QString& label, const QString& filter)
 }
 
 void WinAMP_Control::removeAudioFilter(const QString& label) {
+    finishStart();
     const auto af = m_conn.property(QStringLiteral("af"));
     if (!af)
         return;
@@ -444,7 +525,7 @@ void WinAMP_Control::removeAudioFilter(const QString& label) {
 }
 
 bool WinAMP_Control::setVideoFullScreen(bool on, const QString& screenName) {
-    if (!m_connected)
+    if (!ready())
         return false;
     if (on && !screenName.isEmpty()) {
         m_conn.setProperty(QStringLiteral("fs-screen-name"), screenName);

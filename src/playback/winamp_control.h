@@ -3,9 +3,11 @@
 #include "playback/mpvinstance.h"
 #include "playback/playerlink.h"
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QTimer>
 #include <functional>
+#include <vector>
 
 // The link to the private player instance: an mpv process started by the
 // program and driven over its JSON IPC channel (the MpvInstance; an open
@@ -19,6 +21,12 @@ public:
     static constexpr int kRequestTimeoutMs = 1000;
     static constexpr int kStartProbeTimeoutMs = 250;
     static constexpr int kStopSettleMs = 500;
+    // A start probes the player this many times, a second apart.
+    static constexpr int kStartAttempts = 11;
+    // A start in the background gives the player as long, and looks for its
+    // first answer this often.
+    static constexpr int kBackgroundStartMs = 1000 * kStartAttempts;
+    static constexpr int kStartLookMs = 5;
     // The stop with fade-out lowers the volume in kFadeSteps over the fade time.
     static constexpr int kFadeMs = 2000;
     static constexpr int kFadeSteps = 20;
@@ -42,9 +50,21 @@ public:
     // The player instance itself, for figures and for tests that read the player's properties.
     MpvInstance& connection() { return m_conn; }
 
-    bool isConnected() const override { return m_connected; }
+    // A player whose start is still being answered for counts as there: the
+    // first thing asked of it waits for it.
+    bool isConnected() const override { return m_connected || m_startPending; }
     bool FindPlayer() override;
     bool StartPlayer() override;
+    // StartPlayer for the program's start: returns once the process runs,
+    // without waiting for it to answer. The player is made ready (and
+    // `whenReady` run) as soon as it first answers, which the event loop looks
+    // for every few milliseconds, or by the first thing asked of it before
+    // then. False when no process could be started.
+    bool StartPlayerInBackground(std::function<void()> whenReady);
+    bool isStarting() const { return m_startPending; }
+    // Runs `work` once a start in the background has made the player ready,
+    // or at once when no start is under way.
+    void whenReady(std::function<void()> work);
     void ClearPlaylist() override;
     QString GetStatus() override;
     int rawStatus() override;
@@ -72,6 +92,21 @@ public:
 private:
     // The check that all but a few operations make: tells the host when there is no player.
     bool requirePlayer();
+    // The same check, in silence.
+    bool ready();
+    // Checks the player's name before starting it, then starts it. False,
+    // with the host told why, when it cannot.
+    bool launchPlayer();
+    // Asks the started process until it answers as a player, for at most
+    // `attempts` probes with the waiter's pause between them; a process that
+    // never does is ended.
+    bool awaitPlayer(int attempts);
+    // The event loop's look at a start in the background.
+    void checkStart();
+    // Ends a start in the background: waits for the player's answer, up to
+    // the start's own deadline. True when a player is there.
+    bool finishStart();
+    bool findPlayer();
     // Writes one record to the error log when the player stops answering.
     void logStall(const QString& reason);
     QStringList playerArguments() const;
@@ -87,6 +122,10 @@ private:
 
     MpvInstance m_conn;
     QString m_winampPath;
+    bool m_startPending = false;
+    QDeadlineTimer m_startDeadline;
+    QTimer m_startTimer;
+    std::vector<std::function<void()>> m_whenStarted;
     bool m_connected = false;
     int m_lastPlayResult = 0;
     std::function<void(int)> m_wait;

@@ -145,7 +145,7 @@ bool frmMain::Form_Load(const QString& commandLine) {
     step([&] { InitialiseStartup(); });
     step([&] { InitialiseJingles(); });
     step([&] { showBackgroundPreview(); });
-    step([&] { PreparePlaybackAtStartup(m_parts->pacemaker()); });
+    step([&] { PreparePlaybackAtStartup(m_parts->pacemaker(), m_parts->player()); });
     step([&] { m_parts->keyboardHook().createKeyboardHook(); });
     step([&] { EnsureWindowOnDesktop(this, false, true); });
     if (end) {

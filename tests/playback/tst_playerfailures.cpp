@@ -134,24 +134,67 @@ private slots:
     }
 
     // A missing player is told; a program that never answers as a player is
-    // given up, quietly, and ended.
+    // given up, quietly, and ended: at once by a start in the foreground, and
+    // by one in the background once its time is up (logged, and the work
+    // waiting for the player never done).
     void badPlayerPath_data() {
         QTest::addColumn<bool>("exists");
+        QTest::addColumn<bool>("background");
         QTest::addColumn<QStringList>("boxes");
-        QTest::newRow("missing") << false << QStringList{"Application Installation Error"};
-        QTest::newRow("not a player") << true << QStringList{};
+        QTest::newRow("missing") << false << false << QStringList{"Application Installation Error"};
+        QTest::newRow("missing, background")
+            << false << true << QStringList{"Application Installation Error"};
+        QTest::newRow("not a player") << true << false << QStringList{};
+        QTest::newRow("not a player, background") << true << true << QStringList{};
     }
     void badPlayerPath() {
         QFETCH(bool, exists);
+        QFETCH(bool, background);
         WinAMP_Control link;
         link.setWinampPath(exists ? writeScript(m_dir.filePath("notaplayer.sh"),
                                                 "while true; do echo '{\"nonsense\":1}'; sleep 0.05; done")
                                   : m_dir.filePath("no such player"));
         link.setWaiter([](int) {});
-        QVERIFY(!link.StartPlayer());
+        const int logged = TestWorkspace::errorLogRecords();
+        bool workDone = false;
+        if (background) {
+            QCOMPARE(link.StartPlayerInBackground([&] { workDone = true; }), exists);
+            QTRY_VERIFY_WITH_TIMEOUT(!link.isStarting(), 20000);
+        } else {
+            QVERIFY(!link.StartPlayer());
+        }
         QTEST(m_prompts->boxTitles(), "boxes");
         QVERIFY(!link.isConnected());
+        QVERIFY(!workDone);
         QVERIFY(processGone(link.playerProcessId()));
+        QCOMPARE(TestWorkspace::errorLogRecords() - logged, exists && background ? 1 : 0);
+    }
+
+    // A player started in the background counts as there at once; it is made
+    // ready (the waiting work done, once, before anything else is asked of
+    // it) when it first answers, or by the first request before then.
+    void playerStartedInBackground_data() {
+        QTest::addColumn<bool>("leftToItself");
+        QTest::newRow("ready once it answers") << true;
+        QTest::newRow("ready by the first request") << false;
+    }
+    void playerStartedInBackground() {
+        QFETCH(bool, leftToItself);
+        WinAMP_Control link;
+        link.setWinampPath(m_wrapper);
+        QStringList done;
+        QVERIFY(link.StartPlayerInBackground([&] { done << QStringLiteral("started"); }));
+        link.whenReady([&] { done << QStringLiteral("then"); });
+        QVERIFY(link.isStarting());
+        QVERIFY(link.isConnected());
+        if (leftToItself)
+            QTRY_VERIFY_WITH_TIMEOUT(!link.isStarting(), kPlayerSlack);
+        QCOMPARE(link.GetPlaylistLength(), 0);
+        QVERIFY(!link.isStarting());
+        QCOMPARE(done, (QStringList{QStringLiteral("started"), QStringLiteral("then")}));
+        link.whenReady([&] { done << QStringLiteral("now"); });
+        QCOMPARE(done.size(), 3);
+        QVERIFY(m_prompts->calls.isEmpty());
     }
 
     void playerKilledDuringASong() {
@@ -218,8 +261,9 @@ private slots:
         oSettings->SaveStringValue("Settings", "mus", CEncryptEx::encipher("pw"));
         QVERIFY(StartPlayerAtStartup(link, say, {}));
         modPacemaker pm(link);
-        PreparePlaybackAtStartup(pm);
-        QVERIFY(pm.isFound());
+        PreparePlaybackAtStartup(pm, link);
+        QVERIFY(link.isStarting() && !pm.isFound()); // looked for once the player answers
+        QTRY_VERIFY_WITH_TIMEOUT(pm.isFound(), kPlayerSlack);
         QCOMPARE(ArchivePassword, QStringLiteral("pw"));
         const qint64 pid = link.playerProcessId();
         ClosePlayerAtShutdown(link);
