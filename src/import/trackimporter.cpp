@@ -29,12 +29,6 @@ constexpr int kLineCommit = 30;
 // A piece or sub-piece that the convention reads and the name does not have.
 struct MissingPiece {};
 
-// SQLite's constraint failures (the unique index on TrackPath among them)
-// carry 19 in the low byte of their extended codes.
-bool isConstraintFailure(qint32 number) {
-    return (number & 0xFF) == 19;
-}
-
 enum class Field { Artist, Track, Disc, TrackNo };
 
 // One statement of a convention: set a field from a piece, from a sub-piece,
@@ -130,8 +124,9 @@ public:
     Insert& operator=(const Insert&) = delete;
     ~Insert() { sqlite3_finalize(m_stmt); }
 
-    // Inserts one row. Returns 0, or SQLite's extended error code with its
-    // text in `failure`.
+    // Inserts one row. Returns 0, kAlreadyThere for a path the catalogue
+    // holds already, or SQLite's extended error code with its text in `failure`.
+    static constexpr qint32 kAlreadyThere = -1;
     qint32 run(const std::array<QByteArray, 6>& values, bool kamikaze, QString& failure) {
         if (m_generation != ConnectionGeneration()) {
             // The connection was closed and opened again: the old statement
@@ -145,12 +140,15 @@ public:
                           kSource);
         // The row carries -1 or 0 in its Yes/No column already: the
         // catalogue's Yes/No trigger, compiled once into the statement, only
-        // weighs its condition per row.
+        // weighs its condition per row. A path that is there already is
+        // passed over by the statement itself ("or ignore"; the path's unique
+        // index is the row's only constraint that can fail), which also spares
+        // each row the undo record a statement that may fail half-way keeps.
         int rc = SQLITE_OK;
         if (!m_stmt)
             rc = sqlite3_prepare_v2(
                 m_db,
-                "Insert into tblKaraokeTracks([TrackName], [ArtistName], [DiscName], "
+                "Insert or ignore into tblKaraokeTracks([TrackName], [ArtistName], [DiscName], "
                 "[TrackNo], [Filename], [TrackPath], [Kamikaze])values(?, ?, ?, ?, ?, ?, ?)",
                 -1, &m_stmt, nullptr);
         if (rc == SQLITE_OK) {
@@ -160,11 +158,11 @@ public:
             sqlite3_bind_int(m_stmt, 7, kamikaze ? -1 : 0);
             rc = sqlite3_step(m_stmt);
             if (rc == SQLITE_DONE)
-                rc = SQLITE_OK;
+                rc = sqlite3_changes(m_db) == 0 ? kAlreadyThere : SQLITE_OK;
             sqlite3_reset(m_stmt);
             sqlite3_clear_bindings(m_stmt);
         }
-        if (rc != SQLITE_OK) {
+        if (rc != SQLITE_OK && rc != kAlreadyThere) {
             rc = sqlite3_extended_errcode(m_db);
             failure = QString::fromUtf8(sqlite3_errmsg(m_db));
             release();
@@ -356,7 +354,7 @@ void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
             m_insert = std::make_unique<Insert>();
         QString failureText;
         if (const qint32 failure = m_insert->run(values, kamikaze, failureText); failure != 0) {
-            if (!isConstraintFailure(failure))
+            if (failure != Insert::kAlreadyThere)
                 throw KvError(failure, failureText, kSource);
             // The catalogue has this file already: counted, left as it is.
             ++ProcessedCount;
