@@ -2,11 +2,16 @@
 
 #include "catalogue/database.h"
 #include "catalogue/sqlitestatement.h"
+#include "exports/dedupkeys.h"
 #include "exports/exportfile.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
+
+#include <optional>
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -56,24 +61,25 @@ void DedupList::clear() {
         CreateDedupTable();
 }
 
-qint64 DedupList::BuildDedupTable(const Progress& progress) {
-    LargeCatalogueCache cache;
-    clear();
-    QSqlDatabase db = dbConnection();
-    sqlite3* native = NativeHandle(db);
-    qint64 total = 0;
-    SqliteStatement count(native, "SELECT COUNT(*) FROM tblKaraokeTracks");
-    if (count.next())
-        total = count.integer(0);
+namespace {
 
+const QString kDropIndex = QStringLiteral("DROP INDEX idxDepup");
+constexpr int kSortingCacheMb = 16;
+
+// Fills the table from the catalogue, in the catalogue's own order, and
+// returns the number of songs it took. With `keys` the table has no index: a
+// song whose artist and title an earlier song took is passed over here, and
+// nullopt means the keys could not follow (the caller then builds the other
+// way). Without, the table's unique index refuses the twin.
+std::optional<qint64> fill(sqlite3* native, qint64 total, const DedupList::Progress& progress,
+                           DedupKeys* keys) {
     SqliteStatement songs(native, "SELECT KaraokeTrackId, ArtistName, TrackName, DiscName, TrackNo FROM "
                                   "tblKaraokeTracks;");
     SqliteStatement insert(native, "INSERT INTO tblDedup (SongId, ArtistName, TrackName, DiscName, TrackNo "
                                    ")Values(?, ?, ?, ?, ?)");
-    if (!songs.ok() || !insert.ok())
-        return 0;
-    // One transaction: a refused row fails alone and the rest go on.
-    db.transaction();
+    SqliteStatement earlier(native, "SELECT ArtistName, TrackName FROM tblDedup WHERE rowid = ?");
+    if (!songs.ok() || !insert.ok() || !earlier.ok())
+        return keys ? std::nullopt : std::optional<qint64>(0);
     qint64 done = 0;
     qint64 kept = 0;
     while (songs.next()) {
@@ -82,19 +88,77 @@ qint64 DedupList::BuildDedupTable(const Progress& progress) {
         // list's long-standing form, so that a row with an apostrophe there
         // never made it into the list: it stays out.
         if (!songs.text(3).contains('\'') && !songs.text(4).contains('\'')) {
-            insert.bind(1, songs.integer(0));
-            for (int c = 1; c < 5; ++c) {
-                if (songs.isNull(c))
-                    insert.bindNull(c + 1);
-                else
-                    insert.bind(c + 1, songs.text(c));
+            const QByteArrayView artist = songs.text(1);
+            const QByteArrayView title = songs.text(2);
+            quint64 hash = 0;
+            bool twin = false;
+            if (keys) {
+                hash = DedupKeys::hash(artist, title);
+                twin = keys->taken(hash, [&](qint64 row) {
+                    earlier.bind(1, row);
+                    const bool same =
+                        earlier.next() && DedupKeys::sameKey(earlier.text(0), earlier.text(1), artist, title);
+                    earlier.reset();
+                    return same;
+                });
             }
-            if (insert.run())
-                ++kept;
+            if (!twin) {
+                insert.bind(1, songs.integer(0));
+                for (int c = 1; c < 5; ++c) {
+                    if (songs.isNull(c))
+                        insert.bindNull(c + 1);
+                    else
+                        insert.bind(c + 1, songs.text(c));
+                }
+                // A row the table's rules refuse is left out, and takes no key.
+                if (insert.run()) {
+                    ++kept;
+                    if (keys && !keys->take(hash, sqlite3_last_insert_rowid(native)))
+                        return std::nullopt;
+                }
+            }
         }
         if (progress && !progress(done, total))
             break;
     }
+    return kept;
+}
+
+} // namespace
+
+qint64 DedupList::BuildDedupTable(const Progress& progress) {
+    clear();
+    QSqlDatabase db = dbConnection();
+    sqlite3* native = NativeHandle(db);
+    qint64 total = 0;
+    {
+        SqliteStatement count(native, "SELECT COUNT(*) FROM tblKaraokeTracks");
+        if (count.next())
+            total = count.integer(0);
+    }
+    // One transaction: a refused row fails alone and the rest go on. The
+    // table is filled without its index, which is then built in one sorted
+    // pass; should that index refuse the rows (the keys here and its rules
+    // disagreeing), all of it is undone and the table filled through the
+    // index itself.
+    db.transaction();
+    {
+        // The fill only appends; the cache's size is the index's sorting
+        // room, which it keeps to a bounded share of memory.
+        LargeCatalogueCache cache(kSortingCacheMb);
+        DedupKeys keys(total);
+        if (tryExec(kDropIndex)) {
+            const std::optional<qint64> kept = fill(native, total, progress, &keys);
+            if (kept && tryExec(kCreateIndex)) {
+                db.commit();
+                return *kept;
+            }
+        }
+    }
+    db.rollback();
+    LargeCatalogueCache cache;
+    db.transaction();
+    const qint64 kept = fill(native, total, progress, nullptr).value_or(0);
     db.commit();
     return kept;
 }

@@ -81,11 +81,11 @@ QString ExportWriter::error() const {
     return QStringLiteral("%1 could not be written: %2.").arg(m_file->fileName(), m_file->errorString());
 }
 
-LargeCatalogueCache::LargeCatalogueCache() {
+LargeCatalogueCache::LargeCatalogueCache(int megabytes) {
     QSqlQuery q(dbConnection());
     if (q.exec(QStringLiteral("PRAGMA cache_size")) && q.next())
         m_previous = q.value(0).toString();
-    QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA cache_size = -65536"));
+    QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA cache_size = -%1").arg(megabytes * 1024));
 }
 
 LargeCatalogueCache::~LargeCatalogueCache() {

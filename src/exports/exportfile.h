@@ -19,12 +19,13 @@ QString desktopFolder();
 // called "AC/DC" gets a file of their own in the same folder.
 QString fileNameFromText(const QString& text);
 
-// While one lives, the catalogue's connection keeps up to 64 MB of the file in
-// memory (2 MB otherwise): an export that reads the whole catalogue and
-// writes a table of the same size then works in memory instead of on disk.
+// While one lives, the catalogue's connection keeps up to 64 MB (or the
+// megabytes given) of the file in memory (2 MB otherwise): an export that
+// reads the whole catalogue and writes a table of the same size then works in
+// memory instead of on disk.
 class LargeCatalogueCache {
 public:
-    LargeCatalogueCache();
+    explicit LargeCatalogueCache(int megabytes = 64);
     ~LargeCatalogueCache();
     LargeCatalogueCache(const LargeCatalogueCache&) = delete;
     LargeCatalogueCache& operator=(const LargeCatalogueCache&) = delete;

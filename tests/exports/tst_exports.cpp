@@ -1,4 +1,5 @@
 #include "childprocess.h"
+#include "exports/dedupkeys.h"
 #include "exports/deduplist.h"
 #include "exports/exportfile.h"
 #include "exports/songbook.h"
@@ -87,6 +88,67 @@ private slots:
         QCOMPARE(fileBytes(path), expected);
         // The scratch table is emptied after the export.
         QCOMPARE(column("SELECT COUNT(*) FROM tblDedup"), QStringList{"0"});
+    }
+
+    // The table keeps what its unique index keeps: the first song of each
+    // artist and title as the index compares them, a song the table refuses
+    // taking no key from a later one, and the index in place afterwards.
+    void dedupKeepsWhatItsIndexWould_data() {
+        QTest::addColumn<QList<Song>>("songs");
+        QTest::addColumn<QList<qint64>>("kept");
+        QTest::newRow("a refused first song leaves the key to the next")
+            << QList<Song>{{"A", "T", "D", QString(101, QLatin1Char('9')), "/a"}, {"a", "t", "D", "01", "/b"}}
+            << QList<qint64>{2};
+        QTest::newRow("letters beyond ASCII keep their case")
+            << QList<Song>{{"Ärger", "X", "D", "01", "/a"}, {"ärger", "x", "D", "01", "/b"}}
+            << QList<qint64>{1, 2};
+        QTest::newRow("the same letters cut elsewhere are another key")
+            << QList<Song>{{"ab", "c", "D", "01", "/a"}, {"a", "bc", "D", "01", "/b"}} << QList<qint64>{1, 2};
+        // The index stops comparing at a NUL: the build starts again through it.
+        QTest::newRow("names that differ after a NUL are one key")
+            << QList<Song>{{QStringLiteral("A") + QChar(0) + "x", "T", "D", "01", "/a"},
+                           {QStringLiteral("A") + QChar(0) + "y", "T", "D", "01", "/b"}}
+            << QList<qint64>{1};
+        QList<Song> twins;
+        for (int i = 0; i < 2000; ++i)
+            twins.append(
+                {i % 2 ? QStringLiteral("ARTIST %1").arg(i % 7) : QStringLiteral("artist %1").arg(i % 7),
+                 QStringLiteral("Title"), "D", "01", QStringLiteral("/t%1").arg(i)});
+        QTest::newRow("2000 songs, 7 keys") << twins << QList<qint64>{1, 2, 3, 4, 5, 6, 7};
+    }
+    void dedupKeepsWhatItsIndexWould() {
+        QFETCH(QList<Song>, songs);
+        QFETCH(QList<qint64>, kept);
+        TestWorkspace ws;
+        addSongs(songs);
+        QCOMPARE(DedupList::BuildDedupTable(), qint64(kept.size()));
+        QList<qint64> ids;
+        for (const QString& id : column("SELECT SongId FROM tblDedup ORDER BY SongId"))
+            ids << id.toLongLong();
+        QCOMPARE(ids, kept);
+        QCOMPARE(column("SELECT name FROM sqlite_master WHERE type = 'index' AND tbl_name = 'tblDedup'"),
+                 QStringList{"idxDepup"});
+    }
+
+    // A candidate key is confirmed row by row; a full table takes no more.
+    void dedupKeysConfirmEachCandidate() {
+        DedupKeys keys(0);
+        const quint64 h = DedupKeys::hash("Abba", "SOS");
+        QCOMPARE(h, DedupKeys::hash("aBBA", "sos"));
+        QVERIFY(keys.take(h, 1) && keys.take(h, 2));
+        QList<qint64> asked;
+        QVERIFY(keys.taken(h, [&](qint64 row) {
+            asked << row;
+            return row == 2;
+        }));
+        QCOMPARE(asked, (QList<qint64>{1, 2}));
+        QVERIFY(!keys.taken(h, [](qint64) { return false; }));
+        QVERIFY(!keys.taken(DedupKeys::hash("Abba", "SOS "), [](qint64) { return true; }));
+        QVERIFY(!keys.take(h, qint64(UINT32_MAX) + 1));
+        int taken = 2;
+        while (keys.take(quint64(taken) * 7919, taken + 1))
+            ++taken;
+        QCOMPARE(taken, 512); // half of the smallest table
     }
 
     void dedupProgressCountsEveryRow() {
