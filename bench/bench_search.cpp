@@ -210,16 +210,6 @@ QStringList querySet() {
     return q;
 }
 
-// Every row of a search, in order, as the list would read them.
-QList<qint64> allIds(SongRowSource& source) {
-    QList<qint64> ids;
-    qint64 id = 0;
-    CompactRowStore::Texts texts;
-    while (source.next(id, texts))
-        ids << id;
-    return ids;
-}
-
 double percentile(QList<double> v, double p) {
     std::sort(v.begin(), v.end());
     return v.isEmpty() ? 0 : v[qMin(v.size() - 1, qsizetype(p * v.size()))];
@@ -266,12 +256,12 @@ bool runQuerySet(Frame& f, int catalogue, const QStringList& queries, bool check
         try {
             StatementRowSource statement(dbConnection(),
                                          SongSearch::filterSql(SongSearch::filterList(text, false)));
-            plain = allIds(statement);
+            plain = remainingIds(statement);
         } catch (...) {
             out << "the statement failed for \"" << text.left(40) << "\"" << Qt::endl;
             return false;
         }
-        const QList<qint64> fromIndex = allIds(*indexed);
+        const QList<qint64> fromIndex = remainingIds(*indexed);
         if (fromIndex != plain) {
             ++differences;
             qsizetype at = 0;

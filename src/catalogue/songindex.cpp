@@ -82,7 +82,36 @@ void appendNoCase(const unsigned char* p, int bytes, std::string& out) {
     }
 }
 
+// Whether a search shows the statement's row (its name is there, and the
+// column at `shownColumn` says so); when it does, its name folded onto `out`.
+bool foldShownName(sqlite3_stmt* stmt, int nameColumn, int shownColumn, bool accentBlind, std::string& out) {
+    if (sqlite3_column_type(stmt, nameColumn) == SQLITE_NULL || sqlite3_column_int(stmt, shownColumn) != 1)
+        return false;
+    const auto* name = sqlite3_column_text(stmt, nameColumn);
+    likepattern::foldTextUtf8(name ? name : reinterpret_cast<const unsigned char*>(""),
+                              sqlite3_column_bytes(stmt, nameColumn), accentBlind, out);
+    return true;
+}
+
 } // namespace
+
+void SongIndex::appendRow(qint64 id, bool shown, std::string_view folded) {
+    m_ids.push_back(id);
+    m_starts.push_back(uint32_t(m_text.size()));
+    m_searchable.push_back(shown ? 1 : 0);
+    m_text.append(folded);
+    m_text.push_back(char(0xFF));
+    m_longest = std::max(m_longest, folded.size());
+}
+
+void SongIndex::finishRows() {
+    m_starts.push_back(uint32_t(m_text.size()));
+    m_ids.shrink_to_fit();
+    m_starts.shrink_to_fit();
+    m_searchable.shrink_to_fit();
+    m_text.shrink_to_fit();
+    viewOwnArrays();
+}
 
 std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
                                                   const std::atomic<bool>* stop, QString* error) {
@@ -123,13 +152,8 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
             stmt = nullptr;
             return buildInStatementOrder(db, accentBlind, stop, error);
         }
-        r.shown = sqlite3_column_type(stmt, 2) != SQLITE_NULL && sqlite3_column_int(stmt, 3) == 1;
-        if (r.shown) {
-            const auto* name = sqlite3_column_text(stmt, 2);
-            likepattern::foldTextUtf8(name ? name : reinterpret_cast<const unsigned char*>(""),
-                                      sqlite3_column_bytes(stmt, 2), accentBlind, names);
-            r.nameLength = uint32_t(names.size() - r.nameAt);
-        }
+        r.shown = foldShownName(stmt, 2, 3, accentBlind, names);
+        r.nameLength = uint32_t(names.size() - r.nameAt);
         if (names.size() + rows.size() > kMostBytes || artists.size() > kMostBytes)
             return fail(QStringLiteral("the catalogue's names are too many to hold"));
         rows.push_back(r);
@@ -160,17 +184,12 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
     index->m_starts.reserve(rows.size() + 1);
     index->m_searchable.reserve(rows.size());
     index->m_text.reserve(names.size() + rows.size());
+    const std::string_view nameBlock(names);
     for (const uint32_t i : order) {
         const ScannedRow& r = rows[i];
-        index->m_ids.push_back(r.id);
-        index->m_starts.push_back(uint32_t(index->m_text.size()));
-        index->m_searchable.push_back(r.shown ? 1 : 0);
-        index->m_text.append(names, r.nameAt, r.nameLength);
-        index->m_text.push_back(char(0xFF));
-        index->m_longest = std::max<size_t>(index->m_longest, r.nameLength);
+        index->appendRow(r.id, r.shown, nameBlock.substr(r.nameAt, r.nameLength));
     }
-    index->m_starts.push_back(uint32_t(index->m_text.size()));
-    index->viewOwnArrays();
+    index->finishRows();
     return index;
 }
 
@@ -187,23 +206,15 @@ std::shared_ptr<const SongIndex> SongIndex::buildInStatementOrder(sqlite3* db, b
         return nullptr;
     }
     int rc = SQLITE_ROW;
+    std::string folded;
     while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
         if (stop && (index->m_ids.size() & 0xFFF) == 0 && stop->load(std::memory_order_relaxed)) {
             sqlite3_finalize(stmt);
             return nullptr;
         }
-        index->m_ids.push_back(sqlite3_column_int64(stmt, 0));
-        index->m_starts.push_back(uint32_t(index->m_text.size()));
-        const bool shown = sqlite3_column_type(stmt, 1) != SQLITE_NULL && sqlite3_column_int(stmt, 2) == 1;
-        index->m_searchable.push_back(shown ? 1 : 0);
-        if (shown) {
-            const auto* name = sqlite3_column_text(stmt, 1);
-            const size_t before = index->m_text.size();
-            likepattern::foldTextUtf8(name ? name : reinterpret_cast<const unsigned char*>(""),
-                                      sqlite3_column_bytes(stmt, 1), accentBlind, index->m_text);
-            index->m_longest = std::max(index->m_longest, index->m_text.size() - before);
-        }
-        index->m_text.push_back(char(0xFF));
+        folded.clear();
+        const bool shown = foldShownName(stmt, 1, 2, accentBlind, folded);
+        index->appendRow(sqlite3_column_int64(stmt, 0), shown, folded);
         if (index->m_text.size() > kMostBytes) {
             rc = SQLITE_TOOBIG;
             break;
@@ -216,12 +227,7 @@ std::shared_ptr<const SongIndex> SongIndex::buildInStatementOrder(sqlite3* db, b
                                          : QString::fromUtf8(sqlite3_errmsg(db));
         return nullptr;
     }
-    index->m_starts.push_back(uint32_t(index->m_text.size()));
-    index->m_ids.shrink_to_fit();
-    index->m_starts.shrink_to_fit();
-    index->m_searchable.shrink_to_fit();
-    index->m_text.shrink_to_fit();
-    index->viewOwnArrays();
+    index->finishRows();
     return index;
 }
 

@@ -65,6 +65,12 @@ private:
     bool m_accentBlind = false;
     // Points the views at the arrays just built.
     void viewOwnArrays();
+    // Appends one song: its id, whether a search shows it, and its folded
+    // name (empty for a song the search does not show).
+    void appendRow(qint64 id, bool shown, std::string_view folded);
+    // Ends the rows: the last name's end, the arrays no larger than they
+    // need be, and the views onto them.
+    void finishRows();
 
     // Built here: the arrays; read from a saved file: the file, mapped.
     std::vector<qint64> m_ids;

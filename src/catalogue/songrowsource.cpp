@@ -7,6 +7,15 @@
 
 #include <QSqlError>
 
+QList<qint64> remainingIds(SongRowSource& source) {
+    QList<qint64> ids;
+    qint64 id = 0;
+    CompactRowStore::Texts texts;
+    while (source.next(id, texts))
+        ids << id;
+    return ids;
+}
+
 StatementRowSource::StatementRowSource(const QSqlDatabase& db, const QString& sql) {
     if (!db.isOpen())
         throw KvError(3704, QStringLiteral("Operation is not allowed when the object is closed."));

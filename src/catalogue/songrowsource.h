@@ -5,6 +5,7 @@
 #include "catalogue/songindex.h"
 #include "catalogue/songlookup.h"
 
+#include <QList>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
@@ -22,6 +23,10 @@ public:
     // The list has what it asked for: let go of what holds the connection.
     virtual void pause() {}
 };
+
+// The ids of every row left in a source, in its order (for comparing two
+// sources of the same rows).
+QList<qint64> remainingIds(SongRowSource& source);
 
 // The rows of a statement on a connection. The constructor throws a KvError
 // with the driver's text when the statement fails.

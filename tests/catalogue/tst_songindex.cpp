@@ -41,19 +41,9 @@ const QList<std::pair<const char*, const char*>> kSongs = {
     {"abba", "SF001-04 - Abba - SOS.zip"},
 };
 
-// The ids of every row a search gives, in order.
-QList<qint64> ids(SongRowSource& source) {
-    QList<qint64> out;
-    qint64 id = 0;
-    CompactRowStore::Texts texts;
-    while (source.next(id, texts))
-        out << id;
-    return out;
-}
-
 QList<qint64> statementIds(const QString& text) {
     StatementRowSource statement(dbConnection(), SongSearch::filterSql(SongSearch::filterList(text, false)));
-    return ids(statement);
+    return remainingIds(statement);
 }
 
 } // namespace
@@ -127,7 +117,7 @@ private slots:
         QVERIFY(SongIndexKeeper::instance().buildNow(accentBlind));
         std::unique_ptr<SongRowSource> indexed = IndexedSearch(dbConnection(), SongSearch::searchWords(text));
         QVERIFY(indexed);
-        const QList<qint64> fromIndex = ids(*indexed);
+        const QList<qint64> fromIndex = remainingIds(*indexed);
         QCOMPARE(fromIndex, statementIds(text));
         QCOMPARE(fromIndex.size(), expected);
     }
@@ -220,7 +210,7 @@ private slots:
         QVERIFY(keeper.waitUntilCurrent(false, 10000));
         std::unique_ptr<SongRowSource> indexed = IndexedSearch(dbConnection(), {QStringLiteral("zip")});
         QVERIFY(indexed);
-        QCOMPARE(ids(*indexed), statementIds(QStringLiteral("zip")));
+        QCOMPARE(remainingIds(*indexed), statementIds(QStringLiteral("zip")));
     }
 
     // The host's setting switches the folding of the search at once.
@@ -231,7 +221,7 @@ private slots:
         QVERIFY(SongIndexKeeper::instance().waitUntilCurrent(true, 10000));
         std::unique_ptr<SongRowSource> indexed = IndexedSearch(dbConnection(), {QStringLiteral("beyonce")});
         QVERIFY(indexed);
-        QCOMPARE(ids(*indexed).size(), 2);
+        QCOMPARE(remainingIds(*indexed).size(), 2);
         settings::writeBool(keys::AccentBlindSearch, false);
         QVERIFY(!AccentBlindLike());
     }
