@@ -2,6 +2,7 @@
 
 #include "catalogue/database.h"
 #include "core/csvreader.h"
+#include "exportedfiles.h"
 
 #include <QFile>
 #include <QSqlDatabase>
@@ -40,14 +41,7 @@ inline bool writeBytes(const QString& path, const QByteArray& bytes) {
     return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
 }
 
-inline Rows readCsv(const QString& path) {
-    Rows rows;
-    const auto r = CsvReader::readFile(path, [&](const QStringList& row) {
-        rows << row;
-        return true;
-    });
-    return r.ok ? rows : Rows{{"<unreadable>", r.error}};
-}
+using exportedfiles::readCsv;
 
 // The first column of `sql` run on the catalogue.
 inline QStringList column(const QString& sql) {
@@ -60,20 +54,7 @@ inline QStringList column(const QString& sql) {
 
 // The first column of `sql` run on the SQLite file `path` (a songbook).
 inline QStringList fileColumn(const QString& path, const QString& sql) {
-    QStringList out;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "readKbd");
-        db.setDatabaseName(path);
-        if (db.open()) {
-            QSqlQuery q(db);
-            q.exec(sql);
-            while (q.next())
-                out << q.value(0).toString();
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase("readKbd");
-    return out;
+    return exportedfiles::sqliteColumn(path, sql);
 }
 
 } // namespace exportstest

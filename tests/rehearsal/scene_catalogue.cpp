@@ -6,8 +6,8 @@
 
 #include "catalogue/database.h"
 #include "core/capplicationpaths.h"
-#include "core/csvreader.h"
 #include "core/globals.h"
+#include "exportedfiles.h"
 #include "exports/exportfile.h"
 #include "exports/ui/fradatabase.h"
 #include "scene.h"
@@ -19,7 +19,6 @@
 #include <QDir>
 #include <QFile>
 #include <QMenu>
-#include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTableView>
 #include <QTest>
@@ -70,31 +69,10 @@ void chooseFromMenu(Show& show, const QString& entry) {
                     [] { return QStringLiteral("still open"); });
 }
 
-QList<QStringList> readCsv(const QString& path) {
-    QList<QStringList> rows;
-    CsvReader::readFile(path, [&](const QStringList& row) {
-        rows << row;
-        return true;
-    });
-    return rows;
-}
+using exportedfiles::readCsv;
 
 QStringList kbd(const QString& path, const QString& sql) {
-    QStringList out;
-    {
-        QSqlDatabase db =
-            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("rehearsalKbd"));
-        db.setDatabaseName(path);
-        if (db.open()) {
-            QSqlQuery q(db);
-            q.exec(sql);
-            while (q.next())
-                out << q.value(0).toString();
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("rehearsalKbd"));
-    return out;
+    return exportedfiles::sqliteColumn(path, sql);
 }
 
 void theHostTidiesTheCatalogue(Show& show) {
