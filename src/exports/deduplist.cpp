@@ -26,6 +26,9 @@ const QString kCreateTable =
 const QString kCreateIndex =
     QStringLiteral("CREATE UNIQUE INDEX idxDepup ON tblDedup (ArtistName, TrackName)");
 const QString kDelete = QStringLiteral("DELETE FROM tblDedup");
+// The index of a table that lost it (a build that could not put it back) returns.
+const QString kEnsureIndex =
+    QStringLiteral("CREATE UNIQUE INDEX IF NOT EXISTS idxDepup ON tblDedup (ArtistName, TrackName)");
 
 bool tryExec(const QString& sql) {
     QSqlQuery q(dbConnection());
@@ -128,6 +131,7 @@ std::optional<qint64> fill(sqlite3* native, qint64 total, const DedupList::Progr
 
 qint64 DedupList::BuildDedupTable(const Progress& progress) {
     clear();
+    tryExec(kEnsureIndex);
     QSqlDatabase db = dbConnection();
     sqlite3* native = NativeHandle(db);
     qint64 total = 0;
@@ -138,29 +142,36 @@ qint64 DedupList::BuildDedupTable(const Progress& progress) {
     }
     // One transaction: a refused row fails alone and the rest go on. The
     // table is filled without its index, which is then built in one sorted
-    // pass; should that index refuse the rows (the keys here and its rules
-    // disagreeing), all of it is undone and the table filled through the
-    // index itself.
+    // pass. Nothing here is ever rolled back: that would also cut short every
+    // list still reading from the catalogue. SQLite takes the index away only
+    // while no such list is open (the table is filled through the index
+    // otherwise), and should the index refuse the rows (the keys here and its
+    // rules disagreeing), the table is emptied, the index put back, and the
+    // table filled through it.
     db.transaction();
-    {
+    std::optional<qint64> kept;
+    bool indexInPlace = !tryExec(kDropIndex);
+    if (!indexInPlace) {
         // The fill only appends; the cache's size is the index's sorting
         // room, which it keeps to a bounded share of memory.
         LargeCatalogueCache cache(kSortingCacheMb);
         DedupKeys keys(total);
-        if (tryExec(kDropIndex)) {
-            const std::optional<qint64> kept = fill(native, total, progress, &keys);
-            if (kept && tryExec(kCreateIndex)) {
-                db.commit();
-                return *kept;
-            }
+        kept = fill(native, total, progress, &keys);
+        if (!kept || !tryExec(kCreateIndex)) {
+            kept.reset();
+            tryExec(kDelete);
+            indexInPlace = tryExec(kCreateIndex);
         }
     }
-    db.rollback();
-    LargeCatalogueCache cache;
-    db.transaction();
-    const qint64 kept = fill(native, total, progress, nullptr).value_or(0);
+    if (!kept) {
+        LargeCatalogueCache cache;
+        // Without its index (the next build puts it back) the table still
+        // gets no twins.
+        DedupKeys keys(indexInPlace ? 0 : total);
+        kept = fill(native, total, progress, indexInPlace ? nullptr : &keys);
+    }
     db.commit();
-    return kept;
+    return kept.value_or(0);
 }
 
 QByteArray DedupList::line(qint64 songId, const QString& artist, const QString& title, const QString& disc,
