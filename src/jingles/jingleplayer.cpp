@@ -25,7 +25,7 @@ JinglePlayer::JinglePlayer(QObject* parent) : QObject(parent) {
     connect(&m_eventTimer, &QTimer::timeout, this, [this] {
         if (!m_initPending)
             m_mpv.pollEvents();
-        else if (m_mpv.hasSpoken() || !m_mpv.isOpen())
+        else if (m_mpv.hasSpoken() || !m_mpv.isOpen() || m_initDeadline.hasExpired())
             finishInit();
     });
 }
@@ -54,6 +54,7 @@ bool JinglePlayer::PlayerInitStart(const QString& program, int device) {
     if (program.isEmpty() || !m_mpv.start(program, args))
         return false;
     m_initDevice = device;
+    m_initDeadline.setRemainingTime(kInitTimeoutMs);
     m_initPending = true;
     // The reply to this shows that the engine is up.
     m_mpv.post(QJsonArray{QStringLiteral("get_property"), QStringLiteral("mpv-version")});
@@ -68,9 +69,8 @@ bool JinglePlayer::finishInit() {
     m_eventTimer.stop();
     // The engine answers once it has set up its IPC; something that never
     // answers as mpv does is not kept.
-    QDeadlineTimer deadline(10000);
     while (!m_mpv.property(QStringLiteral("mpv-version")).has_value()) {
-        if (deadline.hasExpired() || !m_mpv.isOpen()) {
+        if (m_initDeadline.hasExpired() || !m_mpv.isOpen()) {
             m_mpv.kill();
             return false;
         }

@@ -3,6 +3,7 @@
 #include "playback/mpvinstance.h"
 #include "playback/playbackseams.h"
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -42,6 +43,8 @@ public:
     static constexpr int kEventPollMs = 500;
     // How often the event loop looks for the first answer of an engine started ahead.
     static constexpr int kInitLookMs = 5;
+    // How long an engine started ahead is given to answer, from its start.
+    static constexpr int kInitTimeoutMs = 10000;
 
     explicit JinglePlayer(QObject* parent = nullptr);
     ~JinglePlayer() override;
@@ -95,6 +98,7 @@ private:
     bool m_loaded = false;
     bool m_deviceLossLogged = false;
     bool m_initPending = false;
+    QDeadlineTimer m_initDeadline;
     int m_initDevice = 0;
     int m_fadeInMs = 0;
     int m_fadeOutMs = 0;

@@ -209,7 +209,10 @@ bool WinAMP_Control::finishStart() {
     // The probes go on until the start's deadline, as a start in the
     // foreground would have.
     const int attempts = std::max<int>(1, int(m_startDeadline.remainingTime() / 1000) + 1);
-    if (!awaitPlayer(attempts)) {
+    m_finishing = true;
+    const bool answered = awaitPlayer(attempts);
+    m_finishing = false;
+    if (!answered) {
         LogErrorExQuietly(QStringLiteral("WinAMP_Control.StartPlayer"), 0,
                           QStringLiteral("The player did not answer: ") + m_winampPath, 0);
         return false;
@@ -234,6 +237,10 @@ bool WinAMP_Control::ready() {
 bool WinAMP_Control::requirePlayer() {
     if (ready())
         return true;
+    // Asked from within the wait for a player still coming up (the wait
+    // keeps the screen turning): nothing to drive yet, and nothing to tell.
+    if (m_finishing)
+        return false;
     prompts().msgBox(QStringLiteral("This application has not been configured properly or the winamp window "
                                     "has been closed!"),
                      Prompts::Critical, QStringLiteral("WinAMP Not Found"));

@@ -52,7 +52,7 @@ public:
 
     // A player whose start is still being answered for counts as there: the
     // first thing asked of it waits for it.
-    bool isConnected() const override { return m_connected || m_startPending; }
+    bool isConnected() const override { return m_connected || m_startPending || m_finishing; }
     bool FindPlayer() override;
     bool StartPlayer() override;
     // StartPlayer for the program's start: returns once the process runs,
@@ -123,6 +123,7 @@ private:
     MpvInstance m_conn;
     QString m_winampPath;
     bool m_startPending = false;
+    bool m_finishing = false; // waiting for the answer of a start in the background
     QDeadlineTimer m_startDeadline;
     QTimer m_startTimer;
     std::vector<std::function<void()>> m_whenStarted;

@@ -223,10 +223,13 @@ void frmMain::InitialiseStartup() {
             m_parts->player(), [&](const QString& text) { progress(text); },
             [&] { m_parts->queue().RestoreQueue(); });
     });
-    // The video goes to the audience window's monitor when the host asked for that.
+    // The video goes to the audience window's monitor when the host asked
+    // for that, once the player answers.
     guarded([&] {
-        if (frmAudience* w = m_parts->audience().loaded())
-            w->applyLyricsPlace();
+        m_parts->player().whenReady([this] {
+            if (frmAudience* w = m_parts->audience().loaded())
+                w->applyLyricsPlace();
+        });
     });
     progress(QStringLiteral("Startup Completed"));
     guarded([&] {
