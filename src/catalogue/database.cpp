@@ -369,6 +369,8 @@ void DatabaseCompact() {
     bool compacted = CompactTheDatabase(main, copy);
     if (compacted)
         Guarded(kCompactSource, 3, [&] {
+            // No connection has the old catalogue open any more.
+            const RetiringFile old(main);
             if (!ReplaceFile(copy, main))
                 throw KvError(75, QStringLiteral("Path/File access error: ") + copy);
             for (const QString& side : SideFiles(main))

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <sqlite3.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -121,4 +122,13 @@ void SyncToDisk(const QString& path) {
         ::fsync(fd);
         ::close(fd);
     }
+}
+
+RetiringFile::RetiringFile(const QString& path)
+    : m_fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC)) {}
+
+RetiringFile::~RetiringFile() {
+    if (m_fd < 0)
+        return;
+    std::thread([fd = m_fd] { ::close(fd); }).detach();
 }

@@ -45,3 +45,18 @@ QString StampedName(const QString& file, const QString& folder, bool unique);
 
 // Flushes a file, or a folder's entries (after a rename in it), to the disk.
 void SyncToDisk(const QString& path);
+
+// Holds a file open while something else is renamed over it, so that the
+// rename returns at once: the file's space is given back at the last close of
+// it, which for a large file takes a while, and which happens on a thread of
+// its own when this ends. Nothing of it stays on disk under any name.
+class RetiringFile {
+public:
+    explicit RetiringFile(const QString& path);
+    ~RetiringFile();
+    RetiringFile(const RetiringFile&) = delete;
+    RetiringFile& operator=(const RetiringFile&) = delete;
+
+private:
+    int m_fd = -1;
+};
