@@ -16,18 +16,13 @@ const QString kSource = QStringLiteral("KvApp.JinglePlayer");
 
 } // namespace
 
-JinglePlayer::JinglePlayer(QObject* parent) : QObject(parent) {
+JinglePlayer::JinglePlayer(QObject* parent) : QObject(parent), m_initWatch(m_mpv, [this] { finishInit(); }) {
     m_mpv.setTimeout(kRequestTimeoutMs);
     m_mpv.setEventHandler([this](const QJsonObject& event) { onEvent(event); });
     m_fadeTimer.setInterval(kFadeTickMs);
     connect(&m_fadeTimer, &QTimer::timeout, this, [this] { fadeTick(); });
     m_eventTimer.setInterval(kEventPollMs);
-    connect(&m_eventTimer, &QTimer::timeout, this, [this] {
-        if (!m_initPending)
-            m_mpv.pollEvents();
-        else if (m_mpv.hasSpoken() || !m_mpv.isOpen() || m_initDeadline.hasExpired())
-            finishInit();
-    });
+    connect(&m_eventTimer, &QTimer::timeout, this, [this] { m_mpv.pollEvents(); });
 }
 
 JinglePlayer::~JinglePlayer() {
@@ -37,6 +32,7 @@ JinglePlayer::~JinglePlayer() {
 void JinglePlayer::close() {
     m_fadeTimer.stop();
     m_eventTimer.stop();
+    m_initWatch.stop();
     m_mpv.kill();
     m_initPending = false;
 }
@@ -54,11 +50,8 @@ bool JinglePlayer::PlayerInitStart(const QString& program, int device) {
     if (program.isEmpty() || !m_mpv.start(program, args))
         return false;
     m_initDevice = device;
-    m_initDeadline.setRemainingTime(kInitTimeoutMs);
     m_initPending = true;
-    // The reply to this shows that the engine is up.
-    m_mpv.post(QJsonArray{QStringLiteral("get_property"), QStringLiteral("mpv-version")});
-    m_eventTimer.start(kInitLookMs);
+    m_initWatch.begin({QStringLiteral("get_property"), QStringLiteral("mpv-version")}, kInitTimeoutMs);
     return true;
 }
 
@@ -66,11 +59,11 @@ bool JinglePlayer::finishInit() {
     if (!m_initPending)
         return m_mpv.isOpen();
     m_initPending = false;
-    m_eventTimer.stop();
+    m_initWatch.stop();
     // The engine answers once it has set up its IPC; something that never
     // answers as mpv does is not kept.
     while (!m_mpv.property(QStringLiteral("mpv-version")).has_value()) {
-        if (m_initDeadline.hasExpired() || !m_mpv.isOpen()) {
+        if (m_initWatch.deadline().hasExpired() || !m_mpv.isOpen()) {
             m_mpv.kill();
             return false;
         }
@@ -82,7 +75,7 @@ bool JinglePlayer::finishInit() {
     m_devices.clear();
     refreshDevices();
     PlayerSetDevice(m_initDevice);
-    m_eventTimer.start(kEventPollMs);
+    m_eventTimer.start();
     return true;
 }
 

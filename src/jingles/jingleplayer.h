@@ -1,9 +1,9 @@
 #pragma once
 
+#include "playback/firstanswerwatch.h"
 #include "playback/mpvinstance.h"
 #include "playback/playbackseams.h"
 
-#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -41,8 +41,6 @@ public:
     static constexpr int kStopSettleMs = 500;
     static constexpr int kFadeTickMs = 100;
     static constexpr int kEventPollMs = 500;
-    // How often the event loop looks for the first answer of an engine started ahead.
-    static constexpr int kInitLookMs = 5;
     // How long an engine started ahead is given to answer, from its start.
     static constexpr int kInitTimeoutMs = 10000;
 
@@ -98,7 +96,7 @@ private:
     bool m_loaded = false;
     bool m_deviceLossLogged = false;
     bool m_initPending = false;
-    QDeadlineTimer m_initDeadline;
+    FirstAnswerWatch m_initWatch;
     int m_initDevice = 0;
     int m_fadeInMs = 0;
     int m_fadeOutMs = 0;

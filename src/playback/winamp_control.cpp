@@ -47,10 +47,9 @@ const QString kMpvConf =
 
 } // namespace
 
-WinAMP_Control::WinAMP_Control(QObject* parent) : QObject(parent), m_wait(pumpingWait) {
+WinAMP_Control::WinAMP_Control(QObject* parent)
+    : QObject(parent), m_startWatch(m_conn, [this] { finishStart(); }), m_wait(pumpingWait) {
     m_fadeTimer.setInterval(kFadeMs / kFadeSteps);
-    m_startTimer.setInterval(kStartLookMs);
-    connect(&m_startTimer, &QTimer::timeout, this, [this] { checkStart(); });
     connect(&m_fadeTimer, &QTimer::timeout, this, [this] { fadeStep(); });
     m_conn.setStallHandler([this](const QString& reason) { logStall(reason); });
 }
@@ -131,7 +130,7 @@ bool WinAMP_Control::findPlayer() {
 
 bool WinAMP_Control::StartPlayer() {
     m_startPending = false;
-    m_startTimer.stop();
+    m_startWatch.stop();
     if (!launchPlayer())
         return false;
     m_wait(1000);
@@ -178,37 +177,25 @@ bool WinAMP_Control::awaitPlayer(int attempts) {
 
 bool WinAMP_Control::StartPlayerInBackground(std::function<void()> whenReady) {
     m_startPending = false;
-    m_startTimer.stop();
+    m_startWatch.stop();
     if (!launchPlayer())
         return false;
-    // The reply to this first word shows that the player is up.
-    m_conn.post(QJsonArray{QStringLiteral("disable_event"), QStringLiteral("all")});
     m_whenStarted.clear();
     if (whenReady)
         m_whenStarted.push_back(std::move(whenReady));
-    m_startDeadline.setRemainingTime(kBackgroundStartMs);
     m_startPending = true;
-    m_startTimer.start();
+    m_startWatch.begin({QStringLiteral("disable_event"), QStringLiteral("all")}, kBackgroundStartMs);
     return true;
-}
-
-void WinAMP_Control::checkStart() {
-    if (!m_startPending) {
-        m_startTimer.stop();
-        return;
-    }
-    if (m_conn.hasSpoken() || !m_conn.isOpen() || m_startDeadline.hasExpired())
-        finishStart();
 }
 
 bool WinAMP_Control::finishStart() {
     if (!m_startPending)
         return m_connected;
     m_startPending = false;
-    m_startTimer.stop();
+    m_startWatch.stop();
     // The probes go on until the start's deadline, as a start in the
     // foreground would have.
-    const int attempts = std::max<int>(1, int(m_startDeadline.remainingTime() / 1000) + 1);
+    const int attempts = std::max<int>(1, int(m_startWatch.deadline().remainingTime() / 1000) + 1);
     m_finishing = true;
     const bool answered = awaitPlayer(attempts);
     m_finishing = false;

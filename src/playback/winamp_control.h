@@ -1,9 +1,9 @@
 #pragma once
 
+#include "playback/firstanswerwatch.h"
 #include "playback/mpvinstance.h"
 #include "playback/playerlink.h"
 
-#include <QDeadlineTimer>
 #include <QObject>
 #include <QTimer>
 #include <functional>
@@ -23,10 +23,8 @@ public:
     static constexpr int kStopSettleMs = 500;
     // A start probes the player this many times, a second apart.
     static constexpr int kStartAttempts = 11;
-    // A start in the background gives the player as long, and looks for its
-    // first answer this often.
+    // A start in the background gives the player as long.
     static constexpr int kBackgroundStartMs = 1000 * kStartAttempts;
-    static constexpr int kStartLookMs = 5;
     // The stop with fade-out lowers the volume in kFadeSteps over the fade time.
     static constexpr int kFadeMs = 2000;
     static constexpr int kFadeSteps = 20;
@@ -101,8 +99,6 @@ private:
     // `attempts` probes with the waiter's pause between them; a process that
     // never does is ended.
     bool awaitPlayer(int attempts);
-    // The event loop's look at a start in the background.
-    void checkStart();
     // Ends a start in the background: waits for the player's answer, up to
     // the start's own deadline. True when a player is there.
     bool finishStart();
@@ -124,8 +120,7 @@ private:
     QString m_winampPath;
     bool m_startPending = false;
     bool m_finishing = false; // waiting for the answer of a start in the background
-    QDeadlineTimer m_startDeadline;
-    QTimer m_startTimer;
+    FirstAnswerWatch m_startWatch;
     std::vector<std::function<void()>> m_whenStarted;
     bool m_connected = false;
     int m_lastPlayResult = 0;
