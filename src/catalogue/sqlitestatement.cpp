@@ -55,6 +55,10 @@ void SqliteStatement::bind(int index, QByteArrayView utf8) {
     sqlite3_bind_text(m_stmt, index, utf8.data() ? utf8.data() : "", int(utf8.size()), SQLITE_TRANSIENT);
 }
 
+void SqliteStatement::bindUncopied(int index, QByteArrayView utf8) {
+    sqlite3_bind_text(m_stmt, index, utf8.data() ? utf8.data() : "", int(utf8.size()), SQLITE_STATIC);
+}
+
 void SqliteStatement::bind(int index, qint64 value) {
     sqlite3_bind_int64(m_stmt, index, value);
 }

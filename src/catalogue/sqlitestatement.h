@@ -36,6 +36,9 @@ public:
 
     // Binds the values of a statement's "?" marks, from 1; the bytes are copied.
     void bind(int index, QByteArrayView utf8);
+    // The same without a copy: the bytes must stay as they are until the
+    // statement has run.
+    void bindUncopied(int index, QByteArrayView utf8);
     void bind(int index, qint64 value);
     void bindNull(int index);
     // Runs a statement that returns no rows, and makes it ready to run again.

@@ -1,15 +1,13 @@
 #include "deduplist.h"
 
+#include "catalogue/backgroundrows.h"
 #include "catalogue/database.h"
 #include "catalogue/sqlitestatement.h"
-#include "exports/dedupkeys.h"
 #include "exports/exportfile.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
-
-#include <optional>
 
 #include <sqlite3.h>
 
@@ -65,68 +63,7 @@ void DedupList::clear() {
 }
 
 namespace {
-
-const QString kDropIndex = QStringLiteral("DROP INDEX idxDepup");
-constexpr int kSortingCacheMb = 16;
-
-// Fills the table from the catalogue, in the catalogue's own order, and
-// returns the number of songs it took. With `keys` the table has no index: a
-// song whose artist and title an earlier song took is passed over here, and
-// nullopt means the keys could not follow (the caller then builds the other
-// way). Without, the table's unique index refuses the twin.
-std::optional<qint64> fill(sqlite3* native, qint64 total, const DedupList::Progress& progress,
-                           DedupKeys* keys) {
-    SqliteStatement songs(native, "SELECT KaraokeTrackId, ArtistName, TrackName, DiscName, TrackNo FROM "
-                                  "tblKaraokeTracks;");
-    SqliteStatement insert(native, "INSERT INTO tblDedup (SongId, ArtistName, TrackName, DiscName, TrackNo "
-                                   ")Values(?, ?, ?, ?, ?)");
-    SqliteStatement earlier(native, "SELECT ArtistName, TrackName FROM tblDedup WHERE rowid = ?");
-    if (!songs.ok() || !insert.ok() || !earlier.ok())
-        return keys ? std::nullopt : std::optional<qint64>(0);
-    qint64 done = 0;
-    qint64 kept = 0;
-    while (songs.next()) {
-        ++done;
-        // The disc and track number reach this statement unescaped in the
-        // list's long-standing form, so that a row with an apostrophe there
-        // never made it into the list: it stays out.
-        if (!songs.text(3).contains('\'') && !songs.text(4).contains('\'')) {
-            const QByteArrayView artist = songs.text(1);
-            const QByteArrayView title = songs.text(2);
-            quint64 hash = 0;
-            bool twin = false;
-            if (keys) {
-                hash = DedupKeys::hash(artist, title);
-                twin = keys->taken(hash, [&](qint64 row) {
-                    earlier.bind(1, row);
-                    const bool same =
-                        earlier.next() && DedupKeys::sameKey(earlier.text(0), earlier.text(1), artist, title);
-                    earlier.reset();
-                    return same;
-                });
-            }
-            if (!twin) {
-                insert.bind(1, songs.integer(0));
-                for (int c = 1; c < 5; ++c) {
-                    if (songs.isNull(c))
-                        insert.bindNull(c + 1);
-                    else
-                        insert.bind(c + 1, songs.text(c));
-                }
-                // A row the table's rules refuse is left out, and takes no key.
-                if (insert.run()) {
-                    ++kept;
-                    if (keys && !keys->take(hash, sqlite3_last_insert_rowid(native)))
-                        return std::nullopt;
-                }
-            }
-        }
-        if (progress && !progress(done, total))
-            break;
-    }
-    return kept;
-}
-
+constexpr int kBuildCacheMb = 16;
 } // namespace
 
 qint64 DedupList::BuildDedupTable(const Progress& progress) {
@@ -140,38 +77,52 @@ qint64 DedupList::BuildDedupTable(const Progress& progress) {
         if (count.next())
             total = count.integer(0);
     }
-    // One transaction: a refused row fails alone and the rest go on. The
-    // table is filled without its index, which is then built in one sorted
-    // pass. Nothing here is ever rolled back: that would also cut short every
-    // list still reading from the catalogue. SQLite takes the index away only
-    // while no such list is open (the table is filled through the index
-    // otherwise), and should the index refuse the rows (the keys here and its
-    // rules disagreeing), the table is emptied, the index put back, and the
-    // table filled through it.
-    db.transaction();
-    std::optional<qint64> kept;
-    bool indexInPlace = !tryExec(kDropIndex);
-    if (!indexInPlace) {
-        // The fill only appends; the cache's size is the index's sorting
-        // room, which it keeps to a bounded share of memory.
-        LargeCatalogueCache cache(kSortingCacheMb);
-        DedupKeys keys(total);
-        kept = fill(native, total, progress, &keys);
-        if (!kept || !tryExec(kCreateIndex)) {
-            kept.reset();
-            tryExec(kDelete);
-            indexInPlace = tryExec(kCreateIndex);
+    qint64 done = 0;
+    const auto goOn = [&] { return !progress || progress(done, total); };
+    // The songs come sorted as the table's index sorts them, and of the songs
+    // that index takes for one (artist and title alike but for case), the
+    // first in the catalogue comes first: the table and its index then grow
+    // at their ends only, the rows lie in the order the file is written in,
+    // and a twin is refused by the index itself, by its own rules. The sort
+    // runs away from the window, which keeps answering.
+    BackgroundRows songs(native,
+                         "SELECT KaraokeTrackId, ArtistName, TrackName, DiscName, TrackNo FROM "
+                         "tblKaraokeTracks ORDER BY ArtistName COLLATE NOCASE, TrackName COLLATE NOCASE, "
+                         "KaraokeTrackId");
+    SqliteStatement insert(native, "INSERT INTO tblDedup (SongId, ArtistName, TrackName, DiscName, TrackNo "
+                                   ")Values(?, ?, ?, ?, ?)");
+    // One transaction: a refused row fails alone and the rest go on. Nothing
+    // here is ever rolled back, which would also cut short every list still
+    // reading from the catalogue. Inside a transaction of the caller's the
+    // rows are the caller's to commit.
+    const bool ownTransaction = db.transaction();
+    // Room for the pages the rows are added to, which then reach the log
+    // once, at the commit, instead of again at every spill of a small cache.
+    LargeCatalogueCache cache(kBuildCacheMb);
+    qint64 kept = 0;
+    while (insert.ok() && songs.next(goOn)) {
+        ++done;
+        // The disc and track number reach this statement unescaped in the
+        // list's long-standing form, so that a row with an apostrophe there
+        // never made it into the list: it stays out.
+        if (!songs.text(3).contains('\'') && !songs.text(4).contains('\'')) {
+            insert.bind(1, songs.integer(0));
+            for (int c = 1; c < 5; ++c) {
+                if (songs.isNull(c))
+                    insert.bindNull(c + 1);
+                else
+                    insert.bindUncopied(c + 1, songs.text(c));
+            }
+            // A row the table's rules refuse (a twin among them) is left out.
+            if (insert.run())
+                ++kept;
         }
+        if (!goOn())
+            break;
     }
-    if (!kept) {
-        LargeCatalogueCache cache;
-        // Without its index (the next build puts it back) the table still
-        // gets no twins.
-        DedupKeys keys(indexInPlace ? 0 : total);
-        kept = fill(native, total, progress, indexInPlace ? nullptr : &keys);
-    }
-    db.commit();
-    return kept.value_or(0);
+    if (ownTransaction)
+        db.commit();
+    return kept;
 }
 
 QByteArray DedupList::line(qint64 songId, const QString& artist, const QString& title, const QString& disc,
@@ -204,13 +155,15 @@ bool DedupList::ExportDedup(const QString& path, CaseMode mode, const Progress& 
             *error = rows.error();
             return false;
         }
+        QByteArray out;
         while (rows.next()) {
             if (mode == CaseMode::LeaveAlone) {
-                // The common case straight from the bytes.
-                QByteArray out = QByteArray::number(rows.integer(0));
+                // The common case straight from the bytes, into one line's
+                // room used again for every line.
+                out.setNum(rows.integer(0));
                 for (int c = 1; c < 5; ++c)
-                    out += ",\"" + rows.text(c).toByteArray() + '"';
-                out += "\r\n";
+                    out.append(",\"").append(rows.text(c)).append('"');
+                out.append("\r\n");
                 file.write(out);
             } else {
                 auto text = [&](int c) { return QString::fromUtf8(rows.text(c)); };

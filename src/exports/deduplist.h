@@ -19,10 +19,13 @@ public:
     static void CreateDedupTable();
     // Empties the table (making it when it is missing).
     static void clear();
-    // BuildDedupTable: fills the table from the catalogue in the catalogue's
-    // own order. A song whose disc or track number holds an apostrophe, and a
-    // song the table's rules refuse (no artist or title, a name too long), is
-    // left out quietly. Returns the number of songs kept.
+    // BuildDedupTable: fills the table from the catalogue, by artist and
+    // title; of the songs alike, the first in the catalogue is kept. A song
+    // whose disc or track number holds an apostrophe, and a song the table's
+    // rules refuse (no artist or title, a name too long), is left out quietly
+    // (the next song alike is then kept). Returns the number of songs kept.
+    // `progress` is also told while the songs are being sorted, with the
+    // count still at 0.
     static qint64 BuildDedupTable(const Progress& progress = {});
     // ExportDedup: writes the table, by artist, to `path` and empties it.
     // False with `error` set when the file could not be written; the old file

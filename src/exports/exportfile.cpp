@@ -40,7 +40,9 @@ QString fileNameFromText(const QString& text) {
     return out;
 }
 
-ExportWriter::ExportWriter(const QString& path) : m_file(std::make_unique<QSaveFile>(path)) {}
+ExportWriter::ExportWriter(const QString& path) : m_file(std::make_unique<QSaveFile>(path)) {
+    m_buffer.reserve(kBufferBytes + 4096);
+}
 
 ExportWriter::~ExportWriter() {
     if (m_file->isOpen())
@@ -52,7 +54,7 @@ bool ExportWriter::open() {
     return !m_failed;
 }
 
-void ExportWriter::write(const QByteArray& bytes) {
+void ExportWriter::write(QByteArrayView bytes) {
     m_buffer += bytes;
     if (m_buffer.size() >= kBufferBytes)
         flush();
@@ -61,7 +63,8 @@ void ExportWriter::write(const QByteArray& bytes) {
 bool ExportWriter::flush() {
     if (!m_failed && !m_buffer.isEmpty() && m_file->write(m_buffer) != m_buffer.size())
         m_failed = true;
-    m_buffer.clear();
+    // Emptied, not freed: the next lines go into the same room.
+    m_buffer.resize(0);
     return !m_failed;
 }
 

@@ -42,7 +42,7 @@ public:
     explicit ExportWriter(const QString& path);
     ~ExportWriter();
     bool open();
-    void write(const QByteArray& bytes);
+    void write(QByteArrayView bytes);
     bool commit();
     // What went wrong, for the host's message; empty while all is well.
     QString error() const;

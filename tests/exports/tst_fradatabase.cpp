@@ -101,7 +101,7 @@ private slots:
         QTest::addColumn<QStringList>("artists");
         QTest::addColumn<int>("columns");
         QTest::newRow("all songs") << 0 << QStringList{"O'Brien, \"Pat\"", "Cher", "cher", "Zed"} << 5;
-        QTest::newRow("no duplicates") << 1 << QStringList{"O'Brien, \"Pat\"", "Cher"} << 4;
+        QTest::newRow("no duplicates, by artist") << 1 << QStringList{"Cher", "O'Brien, \"Pat\""} << 4;
         QTest::newRow("songs with errors") << 2 << QStringList{"Cher", "Zed"} << 5;
     }
     void showAndExportList() {
