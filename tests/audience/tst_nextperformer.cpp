@@ -85,64 +85,55 @@ private slots:
         QCOMPARE(NextPerformerAnnouncer::announcedRow(position, rows, nextPerformerPosition), row);
     }
 
-    void anAnnouncementCutsInAtOnceAndStays() {
-        FakeQueue q;
-        q.rows = {song("Jo", "Abba", "SOS"), song("Al", "Queen", "Radio")};
-        FakeStrip strip;
-        Cfg.ScrollerText = "Next: %p with %t";
-        NextPerformerAnnouncer a(q, strip);
-        a.UpdateNextPerformer(1);
-        QCOMPARE(strip.journal,
-                 (QStringList{"reset", "text:Next: Al with Radio", "pending:Next: Al with Radio"}));
-    }
-
-    void nothingForAnEmptyQueue() {
-        FakeQueue q;
-        FakeStrip strip;
-        NextPerformerAnnouncer a(q, strip);
-        a.UpdateNextPerformer(0);
-        a.btnUpdateNP_Click();
-        QVERIFY(strip.journal.isEmpty());
-    }
-
-    void updateByHandTakesTheSelectedRow_data() {
+    // What the strip is told: a song start or the Update button announces the
+    // next singer (the strip reset, then the text at once and for the next
+    // pass); Clear puts the welcome back, only on a strip that is shown.
+    void announcements_data() {
+        QTest::addColumn<QString>("action"); // "start <row>", "update" or "clear"
+        QTest::addColumn<int>("rows");       // the first of Jo (A), Al (B) and Bo (C)
         QTest::addColumn<int>("selected");
         QTest::addColumn<bool>("nextPerformerPosition");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("selected, position on") << 2 << true << "Could Bo singing C please";
-        QTest::newRow("selected, position off: the top") << 2 << false << "Could Jo singing A please";
-        QTest::newRow("nothing selected, position on: empty names") << -1 << true << "Could  singing  please";
+        QTest::addColumn<bool>("shown");
+        QTest::addColumn<QString>("text"); // empty: the strip is not touched
+        const auto row = [](const char* tag, const char* action, int rows, int selected, bool position,
+                            bool shown, const char* text) {
+            QTest::newRow(tag) << QString(action) << rows << selected << position << shown << QString(text);
+        };
+        row("a song started: the next singer", "start 1", 2, -1, true, true, "Could Al singing B please");
+        row("a song started, empty queue", "start 0", 0, -1, true, true, "");
+        row("update, empty queue", "update", 0, 0, true, true, "");
+        row("update: the selected row, position on", "update", 3, 2, true, true, "Could Bo singing C please");
+        row("update: position off, the top", "update", 3, 2, false, true, "Could Jo singing A please");
+        row("update: nothing selected, empty names", "update", 3, -1, true, true, "Could  singing  please");
+        row("clear: the welcome", "clear", 0, -1, true, true, "Welcome all");
+        row("clear, strip hidden", "clear", 0, -1, true, false, "");
     }
-    void updateByHandTakesTheSelectedRow() {
-        QFETCH(int, selected);
-        QFETCH(bool, nextPerformerPosition);
+    void announcements() {
+        QFETCH(QString, action);
+        QFETCH(int, rows);
         QFETCH(QString, text);
         FakeQueue q;
-        q.rows = {song("Jo", "x", "A"), song("Al", "y", "B"), song("Bo", "z", "C")};
+        q.rows = QList<SelectedSong>{song("Jo", "x", "A"), song("Al", "y", "B"), song("Bo", "z", "C")}.mid(
+            0, rows);
+        QFETCH(int, selected);
         q.selected = selected;
         FakeStrip strip;
+        QFETCH(bool, shown);
+        strip.shown = shown;
         Cfg.ScrollerText = "Could %p singing %t please";
+        Cfg.ScrollerStartupText = "Welcome all";
+        QFETCH(bool, nextPerformerPosition);
         Cfg.NextPerformerPosition = nextPerformerPosition;
         NextPerformerAnnouncer a(q, strip);
-        a.btnUpdateNP_Click();
-        QCOMPARE(strip.journal.value(1), "text:" + text);
-    }
-
-    void clearPutsTheStartupTextBackOnlyWhenShown_data() {
-        QTest::addColumn<bool>("shown");
-        QTest::addColumn<QStringList>("journal");
-        QTest::newRow("shown") << true << QStringList{"text:Welcome all", "pending:Welcome all"};
-        QTest::newRow("hidden") << false << QStringList{};
-    }
-    void clearPutsTheStartupTextBackOnlyWhenShown() {
-        QFETCH(bool, shown);
-        QFETCH(QStringList, journal);
-        FakeQueue q;
-        FakeStrip strip;
-        strip.shown = shown;
-        Cfg.ScrollerStartupText = "Welcome all";
-        NextPerformerAnnouncer a(q, strip);
-        a.btnClearNP_Click();
+        if (action.startsWith("start"))
+            a.UpdateNextPerformer(action.mid(6).toInt());
+        else
+            action == "update" ? a.btnUpdateNP_Click() : a.btnClearNP_Click();
+        QStringList journal;
+        if (!text.isEmpty())
+            journal = QStringList{"text:" + text, "pending:" + text};
+        if (!text.isEmpty() && action != "clear")
+            journal.prepend("reset");
         QCOMPARE(strip.journal, journal);
     }
 };

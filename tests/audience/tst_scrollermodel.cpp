@@ -218,6 +218,7 @@ private slots:
             << QStringList{"on", "start", "off"} << QStringList{} << false;
         QTest::newRow("first show without AutoStart")
             << QStringList{"manual", "show"} << QStringList{} << false;
+        QTest::newRow("first show: starts") << QStringList{"show"} << QStringList{"start"} << true;
     }
     void startAndStop() {
         QFETCH(QStringList, calls);
@@ -239,6 +240,8 @@ private slots:
         }
         QCOMPARE(seen, events);
         QCOMPARE(m->Scrolling(), running);
+        if (calls.contains("show")) // the first show puts the text at its start
+            QCOMPARE(m->boxLeft(), 500.0f);
     }
 
     // A property stored under its name in any case is read into the control
@@ -294,14 +297,6 @@ private slots:
             QCOMPARE(e.number(), 53);
         }
         QCOMPARE(m->text(), text);
-    }
-
-    // The first show puts the text at its start and starts the strip.
-    void firstShowStarts() {
-        auto m = make(500, 600, "abc", 25);
-        m->firstShow();
-        QVERIFY(m->Scrolling());
-        QCOMPARE(m->boxLeft(), 500.0f);
     }
 };
 

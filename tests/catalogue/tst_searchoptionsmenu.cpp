@@ -8,12 +8,9 @@
 #include "workspace.h"
 
 #include <QAction>
-#include <QDir>
-#include <QFile>
 #include <QMenu>
 #include <QSqlQuery>
 #include <QTableView>
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -138,29 +135,6 @@ private slots:
         f.trigger("mnuSearchOptionRemove");
         QCOMPARE(f.listRows(), (QStringList{"A|1", "C|3"}));
         QCOMPARE(f.list->selectedRow(), 1);
-    }
-
-    void renameUsesTheRowsCells() {
-        TestWorkspace ws;
-        ScriptedPrompts boxes;
-        QTemporaryDir songs;
-        QFile file(songs.filePath("old name.mp3"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.close();
-        ExecuteSql(
-            QString("INSERT INTO tblKaraokeTracks (ArtistName, TrackName, DiscName, TrackNo, TrackPath) "
-                    "VALUES ('Björk', 'Jóga', 'SC1', '07', '%1')")
-                .arg(file.fileName()));
-        QWidget window;
-        auto* view = new QTableView(&window);
-        auto* list = new SearchResultsList(view, &window);
-        QMenu* menu = makeMenu(&window);
-        SearchOptionsMenu repairs(menu, list);
-        list->loadFromSql(dbConnection(), SongSearch::loadAllSql());
-        list->setSelectedRow(0);
-        menu->findChild<QAction*>("mnuSearchOptionRename")->trigger();
-        QCOMPARE(QDir(songs.path()).entryList(QDir::Files), QStringList{"SC1-07 - Björk - Jóga.zip"});
-        QVERIFY(boxes.calls.isEmpty());
     }
 };
 

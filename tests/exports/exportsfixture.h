@@ -42,6 +42,8 @@ inline bool writeBytes(const QString& path, const QByteArray& bytes) {
 }
 
 using exportedfiles::readCsv;
+// The first column of `sql` run on the SQLite file `path` (a songbook).
+using exportedfiles::sqliteColumn;
 
 // The first column of `sql` run on the catalogue.
 inline QStringList column(const QString& sql) {
@@ -50,11 +52,6 @@ inline QStringList column(const QString& sql) {
     while (q.next())
         out << q.value(0).toString();
     return out;
-}
-
-// The first column of `sql` run on the SQLite file `path` (a songbook).
-inline QStringList fileColumn(const QString& path, const QString& sql) {
-    return exportedfiles::sqliteColumn(path, sql);
 }
 
 } // namespace exportstest

@@ -253,16 +253,16 @@ private slots:
         QVERIFY2(out.written, qPrintable(out.error));
         QCOMPARE(out.songs, qint64(3));
         QVERIFY(!QFile::exists(path + ".part"));
-        QCOMPARE(fileColumn(path, "pragma integrity_check"), QStringList{"ok"});
-        QCOMPARE(fileColumn(path, "pragma page_size"), QStringList{"1024"});
+        QCOMPARE(sqliteColumn(path, "pragma integrity_check"), QStringList{"ok"});
+        QCOMPARE(sqliteColumn(path, "pragma page_size"), QStringList{"1024"});
         QStringList expectedSchema = Songbook::schema();
         for (QString& s : expectedSchema)
             s.chop(1); // the stored text has no closing semicolon
-        QCOMPARE(fileColumn(path, "SELECT sql FROM sqlite_master ORDER BY rowid"), expectedSchema);
-        QCOMPARE(fileColumn(path, "SELECT HostName || '|' || EmailAddress || '|' || MobileNo || '|' || "
-                                  "ContactType FROM HostDetails"),
+        QCOMPARE(sqliteColumn(path, "SELECT sql FROM sqlite_master ORDER BY rowid"), expectedSchema);
+        QCOMPARE(sqliteColumn(path, "SELECT HostName || '|' || EmailAddress || '|' || MobileNo || '|' || "
+                                    "ContactType FROM HostDetails"),
                  QStringList{host});
-        QCOMPARE(fileColumn(path, "SELECT SearchCriteria FROM KaraokeSongs ORDER BY rowid"),
+        QCOMPARE(sqliteColumn(path, "SELECT SearchCriteria FROM KaraokeSongs ORDER BY rowid"),
                  (QStringList{"Guns N' Roses Patience D1", "Zed Zebra D2", "Guns N' Roses Patience D1"}));
     }
 
@@ -272,7 +272,7 @@ private slots:
         const QString path = ws.documentsFolder() + "Book.kbd";
         const auto out = Songbook::write(path, false, {}, [](qint64 done, qint64) { return done < 2; });
         QVERIFY(out.written && out.cancelled);
-        QCOMPARE(fileColumn(path, "SELECT COUNT(*) FROM KaraokeSongs"), QStringList{"2"});
+        QCOMPARE(sqliteColumn(path, "SELECT COUNT(*) FROM KaraokeSongs"), QStringList{"2"});
     }
 
     // A song the file cannot take ends the export: the old songbook stays

@@ -257,9 +257,10 @@ private slots:
         page.cmdExportForMobile->click();
         QCOMPARE(shown, 1);
         const QString path = m_ws->documentsFolder() + " Ann's Book .kbd";
-        QCOMPARE(fileColumn(path, "pragma integrity_check"), QStringList{"ok"});
-        QCOMPARE(fileColumn(path, "SELECT EmailAddress FROM HostDetails"), QStringList{"o'neil@example.com"});
-        QCOMPARE(fileColumn(path, "SELECT COUNT(*) FROM KaraokeSongs"), QStringList{"4"});
+        QCOMPARE(sqliteColumn(path, "pragma integrity_check"), QStringList{"ok"});
+        QCOMPARE(sqliteColumn(path, "SELECT EmailAddress FROM HostDetails"),
+                 QStringList{"o'neil@example.com"});
+        QCOMPARE(sqliteColumn(path, "SELECT COUNT(*) FROM KaraokeSongs"), QStringList{"4"});
         QCOMPARE(page.lblExport->text(), QString("Export Completed"));
         QCOMPARE(page.cmdExportForMobile->text(), QString("Export for Carolist App"));
         QVERIFY(page.btnExportAll->isEnabled() && page.btnExportDedup->isEnabled());

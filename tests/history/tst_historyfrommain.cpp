@@ -1,9 +1,8 @@
 #include "catalogue/ui/searchcontroller.h"
-#include "core/appsettings.h"
-#include "core/cinifile.h"
 #include "history/historylistmodel.h"
 #include "history/ui/frmhistory.h"
 #include "historyfixture.h"
+#include "mainwindowstart.h"
 #include "queue/queuemodel.h"
 #include "queue/ui/queuecontroller.h"
 #include "screens/colorschemes.h"
@@ -27,22 +26,13 @@ class TestHistoryFromMain : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() {
-        TestWorkspace::wipe();
-        Cfg = AppSettings();
-        TestWorkspace::seedWithQuietPlayer();
-        CIniFile ini;
-        ini.setFileName(TestWorkspace::workingFolder() + "settings.ini");
-        ini.SaveStringValue("Settings", "AutoSelectAllInHistory", "1");
-    }
+    void init() { kvtest::seedMainWorkspace({{"AutoSelectAllInHistory", "1"}}); }
     void cleanup() { TestWorkspace::wipe(); }
 
     void opensOverTheQueue() {
         ScriptedPrompts boxes;
         frmMain w;
-        w.setSplashMinimumMs(0);
-        QVERIFY(w.Form_Load({}));
-        QVERIFY(QTest::qWaitFor([&] { return w.isReady(); }, 8000));
+        QVERIFY(kvtest::startMainWindow(w));
         historytest::add("Ann", "Abba", "Waterloo", 2, "/k/a1.zip");
         QVERIFY(w.parts().search().keyboardHook() != nullptr);
 
