@@ -2,6 +2,7 @@
 
 #include "catalogue/backgroundrows.h"
 #include "catalogue/database.h"
+#include "catalogue/groupedinsert.h"
 #include "catalogue/sqlitestatement.h"
 #include "exports/exportfile.h"
 
@@ -63,7 +64,9 @@ void DedupList::clear() {
 }
 
 namespace {
+
 constexpr int kBuildCacheMb = 16;
+
 } // namespace
 
 qint64 DedupList::BuildDedupTable(const Progress& progress) {
@@ -89,8 +92,6 @@ qint64 DedupList::BuildDedupTable(const Progress& progress) {
                          "SELECT KaraokeTrackId, ArtistName, TrackName, DiscName, TrackNo FROM "
                          "tblKaraokeTracks ORDER BY ArtistName COLLATE NOCASE, TrackName COLLATE NOCASE, "
                          "KaraokeTrackId");
-    SqliteStatement insert(native, "INSERT INTO tblDedup (SongId, ArtistName, TrackName, DiscName, TrackNo "
-                                   ")Values(?, ?, ?, ?, ?)");
     // One transaction: a refused row fails alone and the rest go on. Nothing
     // here is ever rolled back, which would also cut short every list still
     // reading from the catalogue. Inside a transaction of the caller's the
@@ -99,27 +100,30 @@ qint64 DedupList::BuildDedupTable(const Progress& progress) {
     // Room for the pages the rows are added to, which then reach the log
     // once, at the commit, instead of again at every spill of a small cache.
     LargeCatalogueCache cache(kBuildCacheMb);
-    qint64 kept = 0;
+    // A row the table's rules refuse (a twin among them) is passed over.
+    GroupedInsert insert(
+        native, "INSERT OR IGNORE INTO tblDedup (SongId, ArtistName, TrackName, DiscName, TrackNo )Values",
+        5);
     while (insert.ok() && songs.next(goOn)) {
         ++done;
         // The disc and track number reach this statement unescaped in the
         // list's long-standing form, so that a row with an apostrophe there
         // never made it into the list: it stays out.
         if (!songs.text(3).contains('\'') && !songs.text(4).contains('\'')) {
-            insert.bind(1, songs.integer(0));
+            insert.add(songs.integer(0));
             for (int c = 1; c < 5; ++c) {
                 if (songs.isNull(c))
-                    insert.bindNull(c + 1);
+                    insert.addNull();
                 else
-                    insert.bindUncopied(c + 1, songs.text(c));
+                    insert.add(songs.text(c));
             }
-            // A row the table's rules refuse (a twin among them) is left out.
-            if (insert.run())
-                ++kept;
+            insert.endRow();
         }
         if (!goOn())
             break;
     }
+    insert.finish();
+    const qint64 kept = insert.inserted();
     if (ownTransaction)
         db.commit();
     return kept;

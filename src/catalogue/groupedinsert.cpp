@@ -1,0 +1,75 @@
+#include "groupedinsert.h"
+
+#include <sqlite3.h>
+
+GroupedInsert::GroupedInsert(sqlite3* db, QByteArrayView head, int columns, int rowsPerGroup)
+    : m_db(db), m_head(head.toByteArray()), m_columns(columns), m_rowsPerGroup(rowsPerGroup),
+      m_full(db, sql(rowsPerGroup)) {
+    m_values.reserve(size_t(columns) * size_t(rowsPerGroup));
+}
+
+QByteArray GroupedInsert::sql(int rows) const {
+    QByteArray row("(?");
+    for (int c = 1; c < m_columns; ++c)
+        row += ", ?";
+    row += ')';
+    QByteArray text = m_head;
+    for (int r = 0; r < rows; ++r) {
+        if (r > 0)
+            text += ',';
+        text += row;
+    }
+    return text;
+}
+
+void GroupedInsert::add(qint64 value) {
+    m_values.push_back({Value::Integer, value, 0});
+}
+
+void GroupedInsert::add(QByteArrayView utf8) {
+    m_values.push_back({Value::Text, m_bytes.size(), utf8.size()});
+    m_bytes.append(utf8);
+}
+
+void GroupedInsert::addNull() {
+    m_values.push_back({Value::Null, 0, 0});
+}
+
+bool GroupedInsert::endRow() {
+    return ++m_rows < m_rowsPerGroup || run(m_full);
+}
+
+bool GroupedInsert::finish() {
+    if (m_rows == 0)
+        return true;
+    SqliteStatement tail(m_db, sql(m_rows));
+    return run(tail);
+}
+
+bool GroupedInsert::run(SqliteStatement& statement) {
+    int at = 1;
+    for (const Value& v : m_values) {
+        switch (v.kind) {
+        case Value::Integer:
+            statement.bind(at, v.integer);
+            break;
+        case Value::Text:
+            // The bytes stay put until the statement has run.
+            statement.bindUncopied(at, QByteArrayView(m_bytes.constData() + v.integer, v.length));
+            break;
+        case Value::Null:
+            statement.bindNull(at);
+            break;
+        }
+        ++at;
+    }
+    const bool ran = statement.run();
+    if (ran)
+        m_inserted += sqlite3_changes(m_db);
+    else
+        m_error = statement.error();
+    m_values.clear();
+    m_bytes.resize(0);
+    m_rows = 0;
+    return ran;
+}
