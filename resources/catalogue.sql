@@ -5,8 +5,8 @@
 -- paths, which name files on a case-sensitive file system.
 -- Kamikaze and Error are yes/no columns: any non-zero value an INSERT or an
 -- UPDATE writes is stored as -1 (a song is marked with "Error = 1" and found
--- with "Error = -1"). The import writes -1 or 0 itself and compiles its rows
--- without triggers, which would otherwise slow it threefold.
+-- with "Error = -1"). The import writes -1 or 0 itself, so the insert trigger
+-- never changes its rows, though SQLite still weighs its condition per row.
 -- A catalogue made from an older template gets any trigger of this file that
 -- it lacks when the program opens it.
 
