@@ -30,26 +30,30 @@ BackgroundRows::BackgroundRows(sqlite3* db, QByteArrayView sql) {
 BackgroundRows::~BackgroundRows() {
     if (!m_thread.joinable())
         return;
+    stop();
+    m_thread.join();
+}
+
+void BackgroundRows::stop() {
     {
         const std::lock_guard lock(m_mutex);
         m_stop = true;
-        // A sort still under way ends at once.
-        if (m_reader)
-            sqlite3_interrupt(m_reader);
     }
     m_changed.notify_all();
-    m_thread.join();
 }
 
 void BackgroundRows::read(QByteArray path, QByteArray sql) {
     sqlite3* reader = nullptr;
     bool failed = sqlite3_open_v2(path.constData(), &reader, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX,
                                   nullptr) != SQLITE_OK;
-    {
-        const std::lock_guard lock(m_mutex);
-        m_reader = reader;
-    }
     if (!failed) {
+        // A stop, whenever it comes, ends the statement within its next
+        // steps: a sort under way too.
+        sqlite3_progress_handler(
+            reader, 1000, [](void* self) { return static_cast<BackgroundRows*>(self)->m_stop ? 1 : 0; },
+            this);
+        // The catalogue's writer may hold the log a moment (a checkpoint).
+        sqlite3_busy_timeout(reader, 2000);
         // A small page cache: it is also the sort's working memory, and a
         // sort in many small runs is no slower than in a few large ones.
         sqlite3_exec(reader, "PRAGMA cache_size = -4096", nullptr, nullptr, nullptr);
@@ -73,12 +77,11 @@ void BackgroundRows::read(QByteArray path, QByteArray sql) {
             return true;
         };
         bool going = !failed;
-        while (going && rows.next()) {
+        while (going && !m_stop && rows.next()) {
             for (int c = 0; c < columns; ++c) {
                 Cell cell;
                 if (!rows.isNull(c)) {
-                    if (rows.isInteger(c))
-                        cell.integer = rows.integer(c);
+                    cell.integer = rows.integer(c);
                     const QByteArrayView text = rows.text(c);
                     cell.offset = qint32(batch.bytes.size());
                     cell.length = qint32(text.size());
@@ -95,7 +98,6 @@ void BackgroundRows::read(QByteArray path, QByteArray sql) {
     }
     {
         const std::lock_guard lock(m_mutex);
-        m_reader = nullptr;
         m_finished = true;
         m_readFailed = failed && !m_stop;
     }
@@ -118,10 +120,8 @@ bool BackgroundRows::next(const std::function<bool()>& waiting) {
             const bool goOn = waiting();
             lock.lock();
             if (!goOn) {
-                m_stop = true;
-                if (m_reader)
-                    sqlite3_interrupt(m_reader);
-                m_changed.notify_all();
+                lock.unlock();
+                stop();
                 return false;
             }
         }

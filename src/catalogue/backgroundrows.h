@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QByteArrayView>
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -57,6 +58,7 @@ private:
     };
 
     void read(QByteArray path, QByteArray sql);
+    void stop();
     const Cell& cell(int column) const;
 
     std::unique_ptr<SqliteStatement> m_direct;
@@ -72,7 +74,7 @@ private:
     std::deque<Batch> m_ready;
     bool m_finished = false;
     bool m_readFailed = false;
-    bool m_stop = false;
-    sqlite3* m_reader = nullptr;
+    // Read by the reading's progress handler, which ends a sort under way.
+    std::atomic<bool> m_stop = false;
     std::thread m_thread;
 };

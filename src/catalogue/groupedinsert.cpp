@@ -36,6 +36,7 @@ void GroupedInsert::addNull() {
 }
 
 bool GroupedInsert::endRow() {
+    Q_ASSERT(m_values.size() == size_t(m_rows + 1) * size_t(m_columns));
     return ++m_rows < m_rowsPerGroup || run(m_full);
 }
 
@@ -64,6 +65,7 @@ bool GroupedInsert::run(SqliteStatement& statement) {
         ++at;
     }
     const bool ran = statement.run();
+    // The error stays the last refusal's.
     if (ran)
         m_inserted += sqlite3_changes(m_db);
     else

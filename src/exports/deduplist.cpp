@@ -4,6 +4,7 @@
 #include "catalogue/database.h"
 #include "catalogue/groupedinsert.h"
 #include "catalogue/sqlitestatement.h"
+#include "core/errorlog.h"
 #include "exports/exportfile.h"
 
 #include <QSqlError>
@@ -25,7 +26,7 @@ const QString kCreateTable =
 const QString kCreateIndex =
     QStringLiteral("CREATE UNIQUE INDEX idxDepup ON tblDedup (ArtistName, TrackName)");
 const QString kDelete = QStringLiteral("DELETE FROM tblDedup");
-// The index of a table that lost it (a build that could not put it back) returns.
+// The index of a table that lost it returns.
 const QString kEnsureIndex =
     QStringLiteral("CREATE UNIQUE INDEX IF NOT EXISTS idxDepup ON tblDedup (ArtistName, TrackName)");
 
@@ -71,7 +72,12 @@ constexpr int kBuildCacheMb = 16;
 
 qint64 DedupList::BuildDedupTable(const Progress& progress) {
     clear();
-    tryExec(kEnsureIndex);
+    // Without its index the table would take every twin: it stays empty.
+    if (!tryExec(kEnsureIndex)) {
+        LogErrorQuietly(QStringLiteral("The index of tblDedup could not be made, so the list was not built."),
+                        QStringLiteral("DedupList.BuildDedupTable"), 1);
+        return 0;
+    }
     QSqlDatabase db = dbConnection();
     sqlite3* native = NativeHandle(db);
     qint64 total = 0;
@@ -88,45 +94,50 @@ qint64 DedupList::BuildDedupTable(const Progress& progress) {
     // at their ends only, the rows lie in the order the file is written in,
     // and a twin is refused by the index itself, by its own rules. The sort
     // runs away from the window, which keeps answering.
-    BackgroundRows songs(native,
-                         "SELECT KaraokeTrackId, ArtistName, TrackName, DiscName, TrackNo FROM "
-                         "tblKaraokeTracks ORDER BY ArtistName COLLATE NOCASE, TrackName COLLATE NOCASE, "
-                         "KaraokeTrackId");
-    // One transaction: a refused row fails alone and the rest go on. Nothing
-    // here is ever rolled back, which would also cut short every list still
-    // reading from the catalogue. Inside a transaction of the caller's the
-    // rows are the caller's to commit.
-    const bool ownTransaction = db.transaction();
-    // Room for the pages the rows are added to, which then reach the log
-    // once, at the commit, instead of again at every spill of a small cache.
-    LargeCatalogueCache cache(kBuildCacheMb);
-    // A row the table's rules refuse (a twin among them) is passed over.
-    GroupedInsert insert(
-        native, "INSERT OR IGNORE INTO tblDedup (SongId, ArtistName, TrackName, DiscName, TrackNo )Values",
-        5);
-    while (insert.ok() && songs.next(goOn)) {
-        ++done;
-        // The disc and track number reach this statement unescaped in the
-        // list's long-standing form, so that a row with an apostrophe there
-        // never made it into the list: it stays out.
-        if (!songs.text(3).contains('\'') && !songs.text(4).contains('\'')) {
-            insert.add(songs.integer(0));
-            for (int c = 1; c < 5; ++c) {
-                if (songs.isNull(c))
-                    insert.addNull();
-                else
-                    insert.add(songs.text(c));
+    bool ownTransaction = false;
+    {
+        BackgroundRows songs(native,
+                             "SELECT KaraokeTrackId, ArtistName, TrackName, DiscName, TrackNo FROM "
+                             "tblKaraokeTracks ORDER BY ArtistName COLLATE NOCASE, TrackName COLLATE NOCASE, "
+                             "KaraokeTrackId");
+        // One transaction: a refused row fails alone and the rest go on. Nothing
+        // here is ever rolled back, which would also cut short every list still
+        // reading from the catalogue. Inside a transaction of the caller's the
+        // rows are the caller's to commit.
+        ownTransaction = db.transaction();
+        // Room for the pages the rows are added to, which then reach the log
+        // once, at the commit, instead of again at every spill of a small cache.
+        LargeCatalogueCache cache(kBuildCacheMb);
+        // A row the table's rules refuse (a twin among them) is passed over.
+        GroupedInsert insert(
+            native,
+            "INSERT OR IGNORE INTO tblDedup (SongId, ArtistName, TrackName, DiscName, TrackNo )Values", 5);
+        while (insert.ok() && songs.next(goOn)) {
+            ++done;
+            // The disc and track number reach this statement unescaped in the
+            // list's long-standing form, so that a row with an apostrophe there
+            // never made it into the list: it stays out.
+            if (!songs.text(3).contains('\'') && !songs.text(4).contains('\'')) {
+                insert.add(songs.integer(0));
+                for (int c = 1; c < 5; ++c) {
+                    if (songs.isNull(c))
+                        insert.addNull();
+                    else
+                        insert.add(songs.text(c));
+                }
+                insert.endRow();
             }
-            insert.endRow();
+            if (!goOn())
+                break;
         }
-        if (!goOn())
-            break;
+        insert.finish();
     }
-    insert.finish();
-    const qint64 kept = insert.inserted();
+    // The reading is over before the commit. The count is the table's own:
+    // a failed write may have taken rows back with it.
     if (ownTransaction)
         db.commit();
-    return kept;
+    SqliteStatement count(native, "SELECT COUNT(*) FROM tblDedup");
+    return count.next() ? count.integer(0) : 0;
 }
 
 QByteArray DedupList::line(qint64 songId, const QString& artist, const QString& title, const QString& disc,
