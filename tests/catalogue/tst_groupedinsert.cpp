@@ -16,22 +16,28 @@ private slots:
     void rowsLandInOrder_data() {
         QTest::addColumn<int>("rows");
         QTest::addColumn<int>("refusedAt"); // -1: none
+        QTest::addColumn<QString>("rule");  // the rule the refused row breaks
         QTest::addColumn<bool>("orIgnore");
-        QTest::newRow("none") << 0 << -1 << false;
-        QTest::newRow("one short group") << 3 << -1 << false;
-        QTest::newRow("exactly one group") << 4 << -1 << false;
-        QTest::newRow("groups and a tail") << 11 << -1 << false;
-        QTest::newRow("ignored in a full group") << 11 << 2 << true;
-        QTest::newRow("ignored in the tail") << 11 << 9 << true;
-        QTest::newRow("refused in a full group") << 11 << 5 << false;
-        QTest::newRow("refused in the tail") << 11 << 10 << false;
+        QTest::newRow("none") << 0 << -1 << "" << false;
+        QTest::newRow("one short group") << 3 << -1 << "" << false;
+        QTest::newRow("exactly one group") << 4 << -1 << "" << false;
+        QTest::newRow("groups and a tail") << 11 << -1 << "" << false;
+        QTest::newRow("ignored in a full group") << 11 << 2 << "NOT NULL" << true;
+        QTest::newRow("ignored in the tail") << 11 << 9 << "NOT NULL" << true;
+        QTest::newRow("a twin ignored") << 11 << 6 << "UNIQUE" << true;
+        QTest::newRow("a check ignored") << 11 << 3 << "CHECK" << true;
+        QTest::newRow("refused in a full group") << 11 << 5 << "NOT NULL" << false;
+        QTest::newRow("refused in the tail") << 11 << 10 << "NOT NULL" << false;
+        QTest::newRow("a twin refused") << 11 << 1 << "UNIQUE" << false;
     }
     void rowsLandInOrder() {
         QFETCH(int, rows);
         QFETCH(int, refusedAt);
+        QFETCH(QString, rule);
         QFETCH(bool, orIgnore);
         TestWorkspace ws;
-        ExecuteSql("CREATE TABLE tblGroups (N INTEGER NOT NULL, Name TEXT, Note TEXT)");
+        ExecuteSql("CREATE TABLE tblGroups (N INTEGER NOT NULL, Name TEXT UNIQUE, "
+                   "Note TEXT CHECK (Note IS NULL OR length(Note) < 3))");
         GroupedInsert insert(NativeHandle(dbConnection()),
                              orIgnore ? "INSERT OR IGNORE INTO tblGroups (N, Name, Note) Values"
                                       : "INSERT INTO tblGroups (N, Name, Note) Values",
@@ -39,22 +45,27 @@ private slots:
         QVERIFY(insert.ok());
         bool allTaken = true;
         QStringList expected;
+        const auto nameOf = [](int i) { return "name " + QByteArray::number(i) + " ä'\""; };
         for (int i = 0; i < rows; ++i) {
-            const QByteArray name = "name " + QByteArray::number(i) + " ä'\"";
-            if (i == refusedAt)
+            const bool refused = i == refusedAt;
+            const QByteArray name = nameOf(refused && rule == "UNIQUE" ? 0 : i);
+            if (refused && rule == "NOT NULL")
                 insert.addNull();
             else
                 insert.add(i);
             insert.add(name);
-            insert.addNull();
+            if (refused && rule == "CHECK")
+                insert.add("long");
+            else
+                insert.addNull();
             allTaken = insert.endRow() && allTaken;
             const bool groupRefused = refusedAt >= 0 && !orIgnore && i / 4 == refusedAt / 4;
-            if (i != refusedAt && !groupRefused)
+            if (!refused && !groupRefused)
                 expected << QString::number(i) + '|' + QString::fromUtf8(name);
         }
         allTaken = insert.finish() && allTaken;
         QCOMPARE(allTaken, refusedAt < 0 || orIgnore);
-        QCOMPARE(insert.error().contains("NOT NULL"), !allTaken);
+        QCOMPARE(!allTaken && insert.error().contains(rule), !allTaken);
         QStringList landed;
         QSqlQuery q = ExecuteSql("SELECT N, Name, Note IS NULL FROM tblGroups ORDER BY rowid");
         while (q.next()) {
