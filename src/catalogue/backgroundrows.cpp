@@ -117,13 +117,11 @@ bool BackgroundRows::next(const std::function<bool()>& waiting) {
     while (m_ready.empty() && !m_finished) {
         if (waiting) {
             lock.unlock();
-            const bool goOn = waiting();
-            lock.lock();
-            if (!goOn) {
-                lock.unlock();
+            if (!waiting()) {
                 stop();
                 return false;
             }
+            lock.lock();
         }
         m_changed.wait_for(lock, kLookEvery);
     }
