@@ -1,5 +1,7 @@
 #pragma once
 
+#include "namecut.h"
+
 #include <QString>
 #include <functional>
 #include <memory>
@@ -28,6 +30,8 @@ public:
     // `path` is the full path of the file; `kamikaze` marks the row for the
     // random kamikaze pick.
     void AddToImportDatabase(const QString& path, bool kamikaze);
+    // The same with the name cut already (on any thread, by any convention).
+    void AddToImportDatabase(const QString& path, NameCut&& cut, bool kamikaze);
 
     // What runs once per inserted row to keep the screen alive; the pending
     // events of the application unless replaced.
@@ -44,8 +48,8 @@ public:
     ~TrackImporter();
 
 private:
-    class Cut;
     class Insert;
+    void tellMissingPieces(const NameCut& cut);
 
     std::function<void()> m_pump;
     std::unique_ptr<Insert> m_insert;

@@ -1,0 +1,240 @@
+#include "namecut.h"
+
+#include "catalogue/database.h"
+#include "core/kverror.h"
+#include "importtext.h"
+
+#include <QList>
+#include <QStringView>
+
+#include <optional>
+#include <span>
+
+namespace {
+
+// Errors of the cut are reported as the import's own.
+const QString kSource = QStringLiteral("AddToImportDatabase");
+
+// A piece or sub-piece that the convention reads and the name does not have.
+struct MissingPiece {};
+
+enum class Field { Artist, Track, Disc, TrackNo };
+
+// One statement of a convention: set a field from a piece, from a sub-piece,
+// from two sub-pieces joined by "-", or cut a piece into sub-pieces at "-".
+struct Op {
+    enum Kind { Piece, Sub, SubPair, Split } kind;
+    Field field;
+    int a;
+    int b;
+};
+
+constexpr Op piece(Field f, int i) {
+    return {Op::Piece, f, i, 0};
+}
+constexpr Op sub(Field f, int i) {
+    return {Op::Sub, f, i, 0};
+}
+constexpr Op subPair(Field f, int i, int j) {
+    return {Op::SubPair, f, i, j};
+}
+constexpr Op split(int i) {
+    return {Op::Split, Field::Artist, i, 0};
+}
+
+// How many pieces a name must have for the convention's statements to run,
+// and the statements in their order (the order decides what a name that
+// fails half-way still gets).
+struct Rule {
+    int pieces;
+    bool exact;
+    std::array<Op, 5> ops;
+    int opCount;
+    // Which title a name gets when its piece count does not fit.
+    bool fallbackToFileName;
+};
+
+constexpr Field A = Field::Artist;
+constexpr Field T = Field::Track;
+constexpr Field D = Field::Disc;
+constexpr Field N = Field::TrackNo;
+
+// Indexed by convention number; number 4 (All In One) has no rule.
+constexpr std::array<Rule, 13> kRules = {{
+    /* 0 */ {2, false, {piece(A, 1), piece(T, 0)}, 2, true},
+    /* 1 */ {2, false, {piece(A, 0), piece(T, 1)}, 2, false},
+    /* 2 */ {3, true, {piece(A, 1), piece(T, 2), split(0), sub(D, 0), sub(N, 1)}, 5, true},
+    /* 3 */ {3, true, {piece(A, 2), piece(T, 1), split(0), sub(D, 0), sub(N, 1)}, 5, false},
+    /* 4 */ {0, false, {}, 0, false},
+    /* 5 */ {3, true, {split(2), piece(A, 1), piece(T, 0), sub(D, 0), sub(N, 1)}, 5, false},
+    /* 6 */ {3, true, {split(2), piece(A, 0), piece(T, 1), sub(D, 0), sub(N, 1)}, 5, false},
+    /* 7 */ {3, true, {piece(A, 2), piece(T, 1), split(0), subPair(D, 0, 1), sub(N, 2)}, 5, false},
+    /* 8 */ {3, true, {piece(A, 1), piece(T, 2), split(0), subPair(D, 0, 1), sub(N, 2)}, 5, false},
+    /* 9 */ {3, true, {piece(A, 1), piece(T, 2), split(0), sub(N, 0)}, 4, false},
+    /* 10 */ {3, true, {piece(A, 2), piece(T, 1), split(0), sub(N, 0)}, 4, false},
+    /* 11 */ {3, false, {piece(A, 2), piece(T, 3), piece(D, 1)}, 3, false},
+    /* 12 */ {3, true, {piece(A, 2), piece(T, 1), piece(D, 0)}, 3, false},
+}};
+
+constexpr int kAllInOne = 4;
+
+QString clean(QStringView v) {
+    return EscapeQuotes(CleanNamePart(v));
+}
+
+// The value an escaped text stands for in a statement's quotes: each pair of
+// quotes is one. The cut escapes its values for the statement text it once
+// made; binding the values they stand for stores exactly the same.
+QByteArray literalValue(const QString& escaped) {
+    if (!escaped.contains(QLatin1Char('\'')))
+        return escaped.toUtf8();
+    QString value = escaped;
+    value.replace(QStringLiteral("''"), QStringLiteral("'"));
+    return value.toUtf8();
+}
+
+// The text less its last four characters: the extension of most song files.
+QStringView withoutExtension(QStringView name) {
+    if (name.size() < 4)
+        throw KvError(5, QStringLiteral("Invalid procedure call or argument"), kSource);
+    return name.chopped(4);
+}
+
+// The working values of one file while its name is cut.
+class Cut {
+public:
+    explicit Cut(const QString& path) : m_path(path) {
+        const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
+        m_name = QStringView(path).sliced(slash + 1);
+        Filename = MakeSafeSql(m_name.toString());
+        m_working = m_name.toString();
+        m_working.replace(QLatin1Char('_'), QLatin1Char(' '));
+        m_pieces = QStringView(m_working).split(QStringLiteral(" - "));
+    }
+
+    QString TrackName, ArtistName, DiscName, TrackNo, Filename, TrackPath;
+    int MissingPieces = 0;
+
+    const QString& working() const { return m_working; }
+
+    void run(int convention) {
+        if (convention == kAllInOne) {
+            TrackName = EscapeQuotes(withoutExtension(m_name));
+            TrackPath = EscapeQuotes(m_path);
+            return;
+        }
+        if (convention < 0 || convention >= int(kRules.size())) {
+            fallback(true);
+            return;
+        }
+        const Rule& rule = kRules[convention];
+        const qsizetype count = m_pieces.size();
+        if (rule.exact ? count != rule.pieces : count < rule.pieces) {
+            fallback(rule.fallbackToFileName);
+            return;
+        }
+        for (const Op& op : std::span(rule.ops.data(), rule.opCount)) {
+            try {
+                apply(op);
+            } catch (const MissingPiece&) {
+                missingPiece();
+            }
+        }
+        TrackPath = EscapeQuotes(m_path);
+    }
+
+private:
+    QStringView pieceAt(int i) const {
+        if (i >= m_pieces.size())
+            throw MissingPiece{};
+        return m_pieces[i];
+    }
+    QStringView subAt(int i) const {
+        if (i >= m_subs.size())
+            throw MissingPiece{};
+        return m_subs[i];
+    }
+    QString& field(Field f) {
+        switch (f) {
+        case Field::Artist:
+            return ArtistName;
+        case Field::Track:
+            return TrackName;
+        case Field::Disc:
+            return DiscName;
+        case Field::TrackNo:
+            return TrackNo;
+        }
+        return TrackNo;
+    }
+
+    void apply(const Op& op) {
+        switch (op.kind) {
+        case Op::Piece:
+            field(op.field) = clean(pieceAt(op.a));
+            break;
+        case Op::Sub:
+            field(op.field) = clean(subAt(op.a));
+            break;
+        case Op::SubPair: {
+            QString joined = subAt(op.a).toString();
+            joined += QLatin1Char('-');
+            joined += subAt(op.b);
+            field(op.field) = clean(joined);
+            break;
+        }
+        case Op::Split: {
+            // An empty piece cuts into no sub-pieces at all.
+            const QStringView p = pieceAt(op.a);
+            m_subs = p.isEmpty() ? QList<QStringView>() : p.split(QLatin1Char('-'));
+            break;
+        }
+        }
+    }
+
+    // The piece count does not fit: the file goes in under its whole name.
+    void fallback(bool rawFileName) {
+        ArtistName.clear();
+        DiscName.clear();
+        TrackNo.clear();
+        TrackName = rawFileName ? EscapeQuotes(Filename) : EscapeQuotes(withoutExtension(m_working));
+        TrackPath = EscapeQuotes(m_path);
+    }
+
+    // A statement read a piece the name lacks: the file keeps its file name
+    // as title and the cut goes on with the next statement. The host hears of
+    // it when the row is taken.
+    void missingPiece() {
+        TrackPath = EscapeQuotes(m_path);
+        TrackName = EscapeQuotes(Filename);
+        ++MissingPieces;
+    }
+
+    const QString& m_path;
+    QStringView m_name;
+    QString m_working;
+    QList<QStringView> m_pieces;
+    QList<QStringView> m_subs;
+};
+
+} // namespace
+
+NameCut CutFileName(const QString& path, int convention) {
+    NameCut out;
+    out.convention = convention;
+    std::optional<Cut> cut;
+    try {
+        cut.emplace(path);
+        cut->run(convention);
+        out.values = {literalValue(cut->TrackName), literalValue(cut->ArtistName),
+                      literalValue(cut->DiscName),  literalValue(cut->TrackNo),
+                      literalValue(cut->Filename),  literalValue(cut->TrackPath)};
+    } catch (...) {
+        out.failure = std::current_exception();
+    }
+    if (cut && cut->MissingPieces > 0) {
+        out.missingPieces = cut->MissingPieces;
+        out.shownName = cut->working();
+    }
+    return out;
+}
