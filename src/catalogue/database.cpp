@@ -1,5 +1,7 @@
 #include "database.h"
 
+#include "backgroundcheckpoint.h"
+
 #include "searchfolding.h"
 #include "songindexkeeper.h"
 #include "unicodelike.h"
@@ -391,18 +393,36 @@ bool CheckForOldDatabase() {
     return true;
 }
 
+namespace {
+
+// Bulk writes nest (an import started from inside another one): the outermost
+// sets the connection up and puts it back.
+int g_bulkDepth = 0;
+
+} // namespace
+
 BulkWrites::BulkWrites() {
-    if (!IsDatabaseOpen())
+    if (!IsDatabaseOpen() || g_bulkDepth++ > 0)
         return;
-    // The log is folded into the file once, at the end, rather than every
-    // thousand pages on the way.
+    m_generation = ConnectionGeneration();
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
+    // The log is folded into the file on a thread of its own while the work
+    // goes on, rather than every thousand pages by the writer itself.
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_autocheckpoint = 0"));
+    m_folding = std::make_unique<BackgroundCheckpoint>(NativeHandle(dbConnection()));
 }
 
 BulkWrites::~BulkWrites() {
-    if (!IsDatabaseOpen())
+    if (g_bulkDepth == 0 || --g_bulkDepth > 0)
         return;
+    if (!IsDatabaseOpen() || ConnectionGeneration() != m_generation) {
+        // The connection it set up is gone, and its hook with it.
+        if (m_folding)
+            m_folding->writerClosed();
+        m_folding.reset();
+        return;
+    }
+    m_folding.reset();
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_autocheckpoint = 1000"));
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA synchronous = FULL"));
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)"));

@@ -4,10 +4,13 @@
 #include <QSqlQuery>
 #include <QString>
 
+#include <memory>
+
 // The one connection to the song catalogue, shared by every part of the
 // program, and the compaction of the catalogue file with its recovery.
 
 struct sqlite3;
+class BackgroundCheckpoint;
 
 inline const QString kConnectionName = QStringLiteral("dbConnection");
 
@@ -59,6 +62,10 @@ public:
     ~BulkWrites();
     BulkWrites(const BulkWrites&) = delete;
     BulkWrites& operator=(const BulkWrites&) = delete;
+
+private:
+    std::unique_ptr<BackgroundCheckpoint> m_folding;
+    quint64 m_generation = 0;
 };
 
 // Doubles every single quote of a value that goes into an SQL literal.
