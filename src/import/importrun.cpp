@@ -1,5 +1,7 @@
 #include "importrun.h"
 
+#include "cutahead.h"
+
 #include "catalogue/cataloguestore.h"
 
 #include "catalogue/database.h"
@@ -14,6 +16,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QThread>
 
 #include <algorithm>
@@ -168,6 +171,12 @@ void ImportRun::runImport(const QString& folderText, int convention) {
 
 void ImportRun::SearchForFiles(const QString& folder) {
     std::set<FolderId> visited;
+    // The names are cut on the other processor while this thread reads the
+    // folders, asks the host and inserts. A run started from inside this one
+    // has its own.
+    CutAhead ahead(m_matcher, m_importer.ConventionNumber);
+    CutAhead* const outer = std::exchange(m_cutAhead, &ahead);
+    const auto restore = qScopeGuard([&] { m_cutAhead = outer; });
     walk(folder, QFile::encodeName(folder), visited);
 }
 
@@ -224,8 +233,15 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
     ::closedir(dir);
     std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
 
+    std::vector<QByteArray> names;
+    names.reserve(entries.size());
+    for (const Entry& entry : entries)
+        names.push_back(entry.name);
+    const std::shared_ptr<CutAhead::Folder> worked = m_cutAhead->add(folder, folderBytes, std::move(names));
+    const auto finished = qScopeGuard([&] { m_cutAhead->done(worked); });
+
     QByteArray childBytes;
-    for (const Entry& entry : entries) {
+    for (size_t i = 0; i < entries.size(); ++i) {
         if (CancelRequested) {
             m_importer.ProcessedCount = 0;
             break;
@@ -233,26 +249,25 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
         if (stopped())
             break;
         childBytes = folderBytes;
-        childBytes += entry.name;
-        const QString name = QFile::decodeName(entry.name);
-        if (isFolderEntry(childBytes, entry.type)) {
+        childBytes += entries[i].name;
+        CutAhead::Entry& entry = m_cutAhead->take(*worked, i);
+        if (isFolderEntry(childBytes, entries[i].type)) {
             if (CancelRequested)
                 break;
             childBytes += '/';
-            walk(folder + name + QLatin1Char('/'), childBytes, visited);
-        } else if (m_matcher.matches(name)) {
-            const QString path = folder + name;
+            walk(folder + entry.name + QLatin1Char('/'), childBytes, visited);
+        } else if (entry.song) {
             // A name that is not UTF-8 (old Windows discs carry Latin-1
             // names) has no text that opens the file again: it is left out
             // and named to the host at the end, never stored under a path
             // that leads nowhere.
-            if (QFile::encodeName(path) != childBytes) {
+            if (!entry.pathOpensIt) {
                 NamesLeftOut.append(FileNameForDisplay(childBytes));
             } else {
                 const bool kamikaze = m_kamikaze && m_kamikaze();
-                m_importer.AddToImportDatabase(path, kamikaze);
+                m_importer.AddToImportDatabase(entry.path, std::move(entry.cut), kamikaze);
                 if (m_importer.ProcessedCount % 50 == 0) {
-                    emit progressPath(path);
+                    emit progressPath(entry.path);
                     pump();
                 }
             }

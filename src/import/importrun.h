@@ -10,6 +10,8 @@
 #include <set>
 #include <utility>
 
+class CutAhead;
+
 // One import of a folder tree into the catalogue, without a screen: the
 // import screen forwards its buttons here and shows what the signals say.
 //
@@ -91,6 +93,8 @@ private:
     static constexpr int kNamesShown = 20;
 
     TrackImporter m_importer;
+    // The name cutting of the walk under way, if any.
+    CutAhead* m_cutAhead = nullptr;
     FilePatternMatcher m_matcher;
     std::function<bool()> m_kamikaze;
     std::function<void()> m_pump;
