@@ -53,8 +53,14 @@ std::shared_ptr<CutAhead::Folder> CutAhead::add(const QString& folder, const QBy
 }
 
 void CutAhead::done(const std::shared_ptr<Folder>& folder) {
-    const std::lock_guard lock(m_mutex);
-    std::erase(m_folders, folder);
+    {
+        const std::lock_guard lock(m_mutex);
+        std::erase(m_folders, folder);
+        // Freed on the thread that made its texts: a block goes back to the
+        // heap it came from without a lock taken against that thread.
+        m_retired.push_back(folder);
+    }
+    m_workWaiting.notify_all();
 }
 
 CutAhead::Entry& CutAhead::take(Folder& folder, size_t i) {
@@ -91,13 +97,22 @@ void CutAhead::run() {
     std::unique_lock lock(m_mutex);
     for (;;) {
         Folder* f = nextToWork();
-        if (!f && !m_stop) {
+        if (!f && !m_stop && m_retired.empty()) {
             m_idle.store(true);
-            m_workWaiting.wait(lock, [&] { return m_stop || (f = nextToWork()) != nullptr; });
+            m_workWaiting.wait(lock,
+                               [&] { return m_stop || !m_retired.empty() || (f = nextToWork()) != nullptr; });
             m_idle.store(false);
         }
         if (m_stop)
             return;
+        if (!m_retired.empty()) {
+            std::vector<std::shared_ptr<Folder>> retired;
+            retired.swap(m_retired);
+            lock.unlock();
+            retired.clear();
+            lock.lock();
+            continue;
+        }
         // Kept alive while it is worked, even if the walk is done with it.
         const std::shared_ptr<Folder> keep = [&] {
             for (const auto& p : m_folders)

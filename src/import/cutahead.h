@@ -63,6 +63,8 @@ private:
     std::condition_variable m_workWaiting;
     std::condition_variable m_entryReady;
     std::vector<std::shared_ptr<Folder>> m_folders;
+    // Folders the walk is done with, to be freed by the helper.
+    std::vector<std::shared_ptr<Folder>> m_retired;
     bool m_stop = false;
     std::atomic<bool> m_walkWaiting{false};
     std::atomic<bool> m_idle{false};

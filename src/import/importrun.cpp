@@ -265,7 +265,7 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
                 NamesLeftOut.append(FileNameForDisplay(childBytes));
             } else {
                 const bool kamikaze = m_kamikaze && m_kamikaze();
-                m_importer.AddToImportDatabase(entry.path, std::move(entry.cut), kamikaze);
+                m_importer.AddToImportDatabase(entry.path, entry.cut, kamikaze);
                 if (m_importer.ProcessedCount % 50 == 0) {
                     emit progressPath(entry.path);
                     pump();

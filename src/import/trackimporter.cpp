@@ -128,13 +128,15 @@ void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
     AddToImportDatabase(path, CutFileName(path, ConventionNumber), kamikaze);
 }
 
-void TrackImporter::AddToImportDatabase(const QString& path, NameCut&& cut, bool kamikaze) {
+void TrackImporter::AddToImportDatabase(const QString& path, const NameCut& cutAhead, bool kamikaze) {
     int line = kLineCut;
     try {
         // A run started from inside this one may have changed the convention
         // since the name was cut.
-        if (cut.convention != ConventionNumber)
-            cut = CutFileName(path, ConventionNumber);
+        NameCut recut;
+        if (cutAhead.convention != ConventionNumber)
+            recut = CutFileName(path, ConventionNumber);
+        const NameCut& cut = cutAhead.convention != ConventionNumber ? recut : cutAhead;
         tellMissingPieces(cut);
         if (cut.failure)
             std::rethrow_exception(cut.failure);

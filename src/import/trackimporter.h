@@ -31,7 +31,7 @@ public:
     // random kamikaze pick.
     void AddToImportDatabase(const QString& path, bool kamikaze);
     // The same with the name cut already (on any thread, by any convention).
-    void AddToImportDatabase(const QString& path, NameCut&& cut, bool kamikaze);
+    void AddToImportDatabase(const QString& path, const NameCut& cut, bool kamikaze);
 
     // What runs once per inserted row to keep the screen alive; the pending
     // events of the application unless replaced.
