@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
+#include <thread>
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -113,55 +115,156 @@ void SongIndex::finishRows() {
     viewOwnArrays();
 }
 
+namespace {
+
+// The rows of one stretch of ids, as read, with the texts they point into.
+struct Scan {
+    enum Outcome { Read, NotText, Failed, Stopped };
+    std::vector<ScannedRow> rows;
+    std::string artists;
+    std::string names;
+    Outcome outcome = Read;
+    QString error;
+};
+
+// Reads the songs whose ids lie in [from, to], in the table's own order.
+void scanRows(sqlite3* db, qint64 from, qint64 to, bool accentBlind, const std::atomic<bool>* stop,
+              Scan& out) {
+    sqlite3_stmt* stmt = nullptr;
+    auto fail = [&](Scan::Outcome outcome, const QString& why) {
+        out.outcome = outcome;
+        out.error = why;
+        sqlite3_finalize(stmt);
+    };
+    if (sqlite3_prepare_v2(db,
+                           "Select KaraokeTrackID, ArtistName, FileName, (Error = 0) From tblKaraokeTracks "
+                           "Where KaraokeTrackID Between ? And ?",
+                           -1, &stmt, nullptr) != SQLITE_OK)
+        return fail(Scan::Failed, QString::fromUtf8(sqlite3_errmsg(db)));
+    sqlite3_bind_int64(stmt, 1, from);
+    sqlite3_bind_int64(stmt, 2, to);
+    int rc = SQLITE_ROW;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+        if (stop && (out.rows.size() & 0xFFF) == 0 && stop->load(std::memory_order_relaxed))
+            return fail(Scan::Stopped, QStringLiteral("stopped"));
+        ScannedRow r{sqlite3_column_int64(stmt, 0), kNoArtist, 0, uint32_t(out.names.size()), 0, false};
+        const int artistType = sqlite3_column_type(stmt, 1);
+        if (artistType == SQLITE_TEXT) {
+            const auto* a = sqlite3_column_text(stmt, 1);
+            r.artistAt = uint32_t(out.artists.size());
+            r.artistLength = uint32_t(sqlite3_column_bytes(stmt, 1));
+            appendNoCase(a, int(r.artistLength), out.artists);
+        } else if (artistType != SQLITE_NULL) {
+            // Numbers and blobs sort by rules of their own: leave the order
+            // to the statement itself.
+            return fail(Scan::NotText, {});
+        }
+        r.shown = foldShownName(stmt, 2, 3, accentBlind, out.names);
+        r.nameLength = uint32_t(out.names.size() - r.nameAt);
+        if (out.names.size() + out.rows.size() > kMostBytes || out.artists.size() > kMostBytes)
+            return fail(Scan::Failed, QStringLiteral("the catalogue's names are too many to hold"));
+        out.rows.push_back(r);
+    }
+    if (rc != SQLITE_DONE)
+        return fail(Scan::Failed, QString::fromUtf8(sqlite3_errmsg(db)));
+    sqlite3_finalize(stmt);
+}
+
+// Reads the songs from `from` on through a connection of its own, in a read
+// transaction of its own.
+void scanOnOwnConnection(const QByteArray& path, qint64 from, bool accentBlind, const std::atomic<bool>* stop,
+                         Scan& out) {
+    sqlite3* db = nullptr;
+    if (sqlite3_open_v2(path.constData(), &db, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr) !=
+        SQLITE_OK) {
+        out.outcome = Scan::Failed;
+        out.error = QString::fromUtf8(sqlite3_errmsg(db));
+        sqlite3_close(db);
+        return;
+    }
+    sqlite3_busy_timeout(db, 2000);
+    sqlite3_exec(db, "PRAGMA cache_size = -8192", nullptr, nullptr, nullptr);
+    scanRows(db, from, std::numeric_limits<qint64>::max(), accentBlind, stop, out);
+    sqlite3_close(db);
+}
+
+// Appends `more` to `into`, its rows pointing into the joined texts.
+void join(Scan& into, Scan&& more) {
+    const auto artistShift = uint32_t(into.artists.size());
+    const auto nameShift = uint32_t(into.names.size());
+    into.rows.reserve(into.rows.size() + more.rows.size());
+    for (ScannedRow r : more.rows) {
+        if (r.artistAt != kNoArtist)
+            r.artistAt += artistShift;
+        r.nameAt += nameShift;
+        into.rows.push_back(r);
+    }
+    into.artists += more.artists;
+    into.names += more.names;
+}
+
+// A catalogue smaller than this is read in one piece.
+constexpr qint64 kSplitFrom = 20000;
+
+} // namespace
+
 std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
-                                                  const std::atomic<bool>* stop, QString* error) {
+                                                  const std::atomic<bool>* stop, QString* error,
+                                                  bool readInTwo) {
     // The rows in the table's own order, the fastest read there is; the
     // statement's order is then made here: "Order By ArtistName" sorts by the
     // column's NOCASE collation, NULL first, and leaves rows of equal artists
     // in the order the table gave them.
-    sqlite3_stmt* stmt = nullptr;
     auto fail = [&](const QString& why) -> std::shared_ptr<const SongIndex> {
         if (error)
             *error = why;
-        sqlite3_finalize(stmt);
         return nullptr;
     };
-    if (sqlite3_prepare_v2(db,
-                           "Select KaraokeTrackID, ArtistName, FileName, (Error = 0), typeof(ArtistName) "
-                           "From tblKaraokeTracks",
-                           -1, &stmt, nullptr) != SQLITE_OK)
-        return fail(QString::fromUtf8(sqlite3_errmsg(db)));
-    std::vector<ScannedRow> rows;
-    std::string artists;
-    std::string names;
-    int rc = SQLITE_ROW;
-    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
-        if (stop && (rows.size() & 0xFFF) == 0 && stop->load(std::memory_order_relaxed))
-            return fail(QStringLiteral("stopped"));
-        ScannedRow r{sqlite3_column_int64(stmt, 0), kNoArtist, 0, uint32_t(names.size()), 0, false};
-        const int artistType = sqlite3_column_type(stmt, 1);
-        if (artistType == SQLITE_TEXT) {
-            const auto* a = sqlite3_column_text(stmt, 1);
-            r.artistAt = uint32_t(artists.size());
-            r.artistLength = uint32_t(sqlite3_column_bytes(stmt, 1));
-            appendNoCase(a, int(r.artistLength), artists);
-        } else if (artistType != SQLITE_NULL) {
-            // Numbers and blobs sort by rules of their own: leave the order
-            // to the statement itself.
-            sqlite3_finalize(stmt);
-            stmt = nullptr;
-            return buildInStatementOrder(db, accentBlind, stop, error);
+    // A large catalogue is read in two halves of ids at once, the upper one
+    // on a connection and thread of its own; the halves joined are the
+    // table's order.
+    qint64 lowest = 0;
+    qint64 highest = 0;
+    const char* file = readInTwo ? sqlite3_db_filename(db, "main") : nullptr;
+    if (file && *file) {
+        sqlite3_stmt* ends = nullptr;
+        // Each end on its own, so that each is read from the end of the
+        // table rather than by a scan of it.
+        if (sqlite3_prepare_v2(db,
+                               "Select (Select min(KaraokeTrackID) From tblKaraokeTracks), "
+                               "(Select max(KaraokeTrackID) From tblKaraokeTracks)",
+                               -1, &ends, nullptr) == SQLITE_OK &&
+            sqlite3_step(ends) == SQLITE_ROW && sqlite3_column_type(ends, 0) == SQLITE_INTEGER) {
+            lowest = sqlite3_column_int64(ends, 0);
+            highest = sqlite3_column_int64(ends, 1);
         }
-        r.shown = foldShownName(stmt, 2, 3, accentBlind, names);
-        r.nameLength = uint32_t(names.size() - r.nameAt);
-        if (names.size() + rows.size() > kMostBytes || artists.size() > kMostBytes)
-            return fail(QStringLiteral("the catalogue's names are too many to hold"));
-        rows.push_back(r);
+        sqlite3_finalize(ends);
     }
-    if (rc != SQLITE_DONE)
-        return fail(QString::fromUtf8(sqlite3_errmsg(db)));
-    sqlite3_finalize(stmt);
-    stmt = nullptr;
+    Scan scan;
+    if (highest - lowest >= kSplitFrom) {
+        const qint64 middle = lowest + (highest - lowest) / 2;
+        Scan upper;
+        std::thread helper(scanOnOwnConnection, QByteArray(file), middle + 1, accentBlind, stop,
+                           std::ref(upper));
+        scanRows(db, std::numeric_limits<qint64>::min(), middle, accentBlind, stop, scan);
+        helper.join();
+        if (scan.outcome == Scan::Read && upper.outcome != Scan::Read)
+            scan = std::move(upper);
+        else if (scan.outcome == Scan::Read)
+            join(scan, std::move(upper));
+    } else {
+        scanRows(db, std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max(), accentBlind,
+                 stop, scan);
+    }
+    if (scan.outcome == Scan::NotText)
+        return buildInStatementOrder(db, accentBlind, stop, error);
+    if (scan.outcome != Scan::Read)
+        return fail(scan.error);
+    if (scan.names.size() + scan.rows.size() > kMostBytes || scan.artists.size() > kMostBytes)
+        return fail(QStringLiteral("the catalogue's names are too many to hold"));
+    const std::vector<ScannedRow>& rows = scan.rows;
+    const std::string& artists = scan.artists;
+    const std::string& names = scan.names;
 
     std::vector<uint32_t> order(rows.size());
     for (size_t i = 0; i < order.size(); ++i)

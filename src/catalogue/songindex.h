@@ -26,8 +26,13 @@ class SongIndex {
 public:
     // Reads every song through `db` in the statement's order. Returns null
     // when the read failed (`error` says why) or `stop` was set meanwhile.
-    static std::shared_ptr<const SongIndex>
-    build(sqlite3* db, bool accentBlind, const std::atomic<bool>* stop = nullptr, QString* error = nullptr);
+    // `readInTwo` lets a large catalogue's upper half be read at the same
+    // time through a second connection to the file: only for a `db` whose
+    // own view is the file's committed one, and whose caller reads again if
+    // the catalogue changed while the read ran.
+    static std::shared_ptr<const SongIndex> build(sqlite3* db, bool accentBlind,
+                                                  const std::atomic<bool>* stop = nullptr,
+                                                  QString* error = nullptr, bool readInTwo = false);
 
     // The index as a file, so that the next program to open the catalogue
     // need not read it again (the caller puts it in place by a rename once it

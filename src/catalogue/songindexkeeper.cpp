@@ -206,7 +206,9 @@ void SongIndexKeeper::startBuild(bool accentBlind) {
                 sqlite3_step(top) == SQLITE_ROW)
                 maxId = sqlite3_column_int64(top, 0);
             sqlite3_finalize(top);
-            index = SongIndex::build(reader, accentBlind, &m_stop);
+            // The read runs again if the catalogue changes before it ends,
+            // so its two halves may be read through two connections.
+            index = SongIndex::build(reader, accentBlind, &m_stop, nullptr, true);
             sqlite3_exec(reader, "COMMIT", nullptr, nullptr, nullptr);
             if (index && maxId >= 0 && !m_stop)
                 saved = index->save(saveTo, maxId);

@@ -152,6 +152,46 @@ private slots:
         QCOMPARE(row, kSongs.size() + (blobArtist ? 1 : 0));
     }
 
+    // A catalogue read in two halves at once gives the index of one read:
+    // the same rows, texts and order, ties across the halves included, and
+    // an artist stored as bytes in either half still leaves the order to the
+    // statement.
+    void readInTwoIsOneRead_data() {
+        QTest::addColumn<qint64>("idStep");
+        QTest::addColumn<int>("blobAt");
+        QTest::newRow("too few ids to split") << qint64(1) << -1;
+        QTest::newRow("ids far apart") << qint64(9000) << -1;
+        QTest::newRow("bytes in the upper half") << qint64(9000) << 12;
+        QTest::newRow("bytes in the lower half") << qint64(9000) << 1;
+    }
+    void readInTwoIsOneRead() {
+        QFETCH(qint64, idStep);
+        QFETCH(int, blobAt);
+        // The songs again under ids spread over the span, in reverse, so
+        // that the halves each hold some of every artist.
+        QVERIFY(QSqlQuery(dbConnection())
+                    .exec(QStringLiteral("Update tblKaraokeTracks Set KaraokeTrackID = 1000000 - "
+                                         "KaraokeTrackID * %1")
+                              .arg(idStep)));
+        if (blobAt >= 0)
+            QVERIFY(QSqlQuery(dbConnection())
+                        .exec(QStringLiteral("Update tblKaraokeTracks Set ArtistName = X'4142' "
+                                             "Where KaraokeTrackID = 1000000 - %1 * %2")
+                                  .arg(blobAt)
+                                  .arg(idStep)));
+        sqlite3* db = NativeHandle(dbConnection());
+        const auto once = SongIndex::build(db, false);
+        const auto inTwo = SongIndex::build(db, false, nullptr, nullptr, true);
+        QVERIFY(once && inTwo);
+        QCOMPARE(inTwo->size(), kSongs.size());
+        QCOMPARE(inTwo->size(), once->size());
+        for (qsizetype row = 0; row < once->size(); ++row) {
+            QCOMPARE(inTwo->id(row), once->id(row));
+            QCOMPARE(inTwo->text(row), once->text(row));
+            QCOMPARE(inTwo->searchable(row), once->searchable(row));
+        }
+    }
+
     // The list's own edits and removals on the whole-catalogue list, down to
     // an empty list.
     void listingTakesEditsAndRemovals() {
