@@ -1,6 +1,6 @@
 #include "importrun.h"
 
-#include "cutahead.h"
+#include "walkahead.h"
 
 #include "catalogue/cataloguestore.h"
 
@@ -19,12 +19,9 @@
 #include <QScopeGuard>
 #include <QThread>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <dirent.h>
 #include <sys/stat.h>
-#include <vector>
 
 namespace {
 
@@ -171,23 +168,14 @@ void ImportRun::runImport(const QString& folderText, int convention) {
 
 void ImportRun::SearchForFiles(const QString& folder) {
     std::set<FolderId> visited;
-    // The names are cut on the other processor while this thread reads the
-    // folders, asks the host and inserts. A run started from inside this one
-    // has its own.
-    CutAhead ahead(m_matcher, m_importer.ConventionNumber);
-    CutAhead* const outer = std::exchange(m_cutAhead, &ahead);
-    const auto restore = qScopeGuard([&] { m_cutAhead = outer; });
-    walk(folder, QFile::encodeName(folder), visited);
-}
-
-bool ImportRun::isFolderEntry(const QByteArray& path, unsigned char type) const {
-    if (type == DT_DIR)
-        return true;
-    if (type != DT_LNK && type != DT_UNKNOWN)
-        return false;
-    // Links are followed: a linked folder is walked like any other (once).
-    struct stat st;
-    return ::stat(path.constData(), &st) == 0 && S_ISDIR(st.st_mode);
+    const QByteArray folderBytes = QFile::encodeName(folder);
+    // The folders are read and the names cut on the other processor while
+    // this thread asks the host and inserts. A run started from inside this
+    // one has its own.
+    WalkAhead ahead(folder, folderBytes, m_matcher, m_importer.ConventionNumber);
+    WalkAhead* const outer = std::exchange(m_ahead, &ahead);
+    const auto restore = qScopeGuard([&] { m_ahead = outer; });
+    walk(folder, folderBytes, visited);
 }
 
 void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::set<FolderId>& visited) {
@@ -197,85 +185,64 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
     }
     ImportRunning = true;
 
+    // The walk opens every folder itself when it gets there, read ahead or
+    // not, so that one gone meanwhile is reported where it was.
     DIR* dir = ::opendir(folderBytes.constData());
     if (!dir) {
-        ShowApplicationError(systemError(errno), kWalkPlace, kLineOpenFolder, Prompts::Exclamation, folder);
+        const int error = errno;
+        m_ahead->open(folder, folderBytes, nullptr, nullptr, false);
+        ShowApplicationError(systemError(error), kWalkPlace, kLineOpenFolder, Prompts::Exclamation, folder);
         return;
     }
     // A folder reached a second time (through a link) is not walked again, so
     // that a link back up the tree cannot make the walk endless.
     struct stat self;
-    const bool seen = ::fstat(::dirfd(dir), &self) == 0 &&
-                      !visited.emplace(quint64(self.st_dev), quint64(self.st_ino)).second;
-
-    // The folder's entries are taken in the order of their names, not in the
-    // file system's own order: the songs of a folder get their ids in the
-    // order a host reads them, and the catalogue's index of paths grows at
-    // its end instead of at a random place for every file, which is what
-    // keeps an import of a million files from slowing down as it goes.
-    struct Entry {
-        QByteArray name;
-        unsigned char type;
-    };
-    std::vector<Entry> entries;
-    int readError = 0;
-    errno = 0;
-    while (!seen) {
-        const dirent* entry = ::readdir(dir);
-        if (!entry) {
-            readError = errno;
-            break;
-        }
-        if (entry->d_name[0] != '.')
-            entries.push_back({QByteArray(entry->d_name), entry->d_type});
-        errno = 0;
-    }
+    const bool identified = ::fstat(::dirfd(dir), &self) == 0;
+    const bool seen = identified && !visited.emplace(quint64(self.st_dev), quint64(self.st_ino)).second;
+    const std::shared_ptr<WalkAhead::Folder> listing =
+        m_ahead->open(folder, folderBytes, dir, identified ? &self : nullptr, seen);
     ::closedir(dir);
-    std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
-
-    std::vector<QByteArray> names;
-    names.reserve(entries.size());
-    for (const Entry& entry : entries)
-        names.push_back(entry.name);
-    const std::shared_ptr<CutAhead::Folder> worked = m_cutAhead->add(folder, folderBytes, std::move(names));
-    const auto finished = qScopeGuard([&] { m_cutAhead->done(worked); });
+    const auto finished = qScopeGuard([&] { m_ahead->done(listing); });
 
     QByteArray childBytes;
-    for (size_t i = 0; i < entries.size(); ++i) {
+    for (size_t i = 0; i < WalkAhead::size(*listing); ++i) {
         if (CancelRequested) {
             m_importer.ProcessedCount = 0;
             break;
         }
         if (stopped())
             break;
+        WalkAhead::Entry& entry = m_ahead->take(*listing, i);
         childBytes = folderBytes;
-        childBytes += entries[i].name;
-        CutAhead::Entry& entry = m_cutAhead->take(*worked, i);
-        if (isFolderEntry(childBytes, entries[i].type)) {
+        childBytes += entry.bytes;
+        if (IsFolderEntry(childBytes, entry.type)) {
             if (CancelRequested)
                 break;
             childBytes += '/';
             walk(folder + entry.name + QLatin1Char('/'), childBytes, visited);
-        } else if (entry.song) {
-            // A name that is not UTF-8 (old Windows discs carry Latin-1
-            // names) has no text that opens the file again: it is left out
-            // and named to the host at the end, never stored under a path
-            // that leads nowhere.
-            if (!entry.pathOpensIt) {
-                NamesLeftOut.append(FileNameForDisplay(childBytes));
-            } else {
-                const bool kamikaze = m_kamikaze && m_kamikaze();
-                m_importer.AddToImportDatabase(entry.path, entry.cut, kamikaze);
-                if (m_importer.ProcessedCount % 50 == 0) {
-                    emit progressPath(entry.path);
-                    pump();
+        } else {
+            m_ahead->workOut(*listing, entry);
+            if (entry.song) {
+                // A name that is not UTF-8 (old Windows discs carry Latin-1
+                // names) has no text that opens the file again: it is left
+                // out and named to the host at the end, never stored under a
+                // path that leads nowhere.
+                if (!entry.pathOpensIt) {
+                    NamesLeftOut.append(FileNameForDisplay(childBytes));
+                } else {
+                    const bool kamikaze = m_kamikaze && m_kamikaze();
+                    m_importer.AddToImportDatabase(entry.path, entry.cut, kamikaze);
+                    if (m_importer.ProcessedCount % 50 == 0) {
+                        emit progressPath(entry.path);
+                        pump();
+                    }
                 }
             }
         }
         if (m_importer.ProcessedCount % 100 == 0)
             pump();
     }
-    if (readError != 0) {
+    if (const int readError = WalkAhead::readError(*listing); readError != 0) {
         ShowApplicationError(systemError(readError), kWalkPlace, kLineNextEntry, Prompts::Exclamation,
                              folder);
         return;

@@ -10,7 +10,7 @@
 #include <set>
 #include <utility>
 
-class CutAhead;
+class WalkAhead;
 
 // One import of a folder tree into the catalogue, without a screen: the
 // import screen forwards its buttons here and shows what the signals say.
@@ -85,7 +85,6 @@ private:
     using FolderId = std::pair<quint64, quint64>;
     void runImport(const QString& folderText, int convention);
     void walk(const QString& folder, const QByteArray& folderBytes, std::set<FolderId>& visited);
-    bool isFolderEntry(const QByteArray& path, unsigned char type) const;
     void pump();
     void tellNamesLeftOut();
     static qint64 catalogueRows();
@@ -93,8 +92,8 @@ private:
     static constexpr int kNamesShown = 20;
 
     TrackImporter m_importer;
-    // The name cutting of the walk under way, if any.
-    CutAhead* m_cutAhead = nullptr;
+    // The reading ahead of the walk under way, if any.
+    WalkAhead* m_ahead = nullptr;
     FilePatternMatcher m_matcher;
     std::function<bool()> m_kamikaze;
     std::function<void()> m_pump;
