@@ -103,6 +103,9 @@ void ImportRun::tellNamesLeftOut() {
 }
 
 void ImportRun::runImport(const QString& folderText, int convention) {
+    // A run started from inside another one finds the outer run's rows
+    // there, those still waiting for their group too.
+    m_importer.releaseStatement();
     const qint32 newBefore = importSession().NewTrackCount;
     qint64 rowsBefore = -1;
     if (++m_runDepth == 1) {
@@ -174,7 +177,12 @@ void ImportRun::SearchForFiles(const QString& folder) {
     // one has its own.
     WalkAhead ahead(folder, folderBytes, m_matcher, m_importer.ConventionNumber);
     WalkAhead* const outer = std::exchange(m_ahead, &ahead);
-    const auto restore = qScopeGuard([&] { m_ahead = outer; });
+    // The rows go in many to a statement; the last of them when the walk ends.
+    m_importer.setGrouping(true);
+    const auto restore = qScopeGuard([&] {
+        m_importer.setGrouping(outer != nullptr);
+        m_ahead = outer;
+    });
     walk(folder, folderBytes, visited);
 }
 

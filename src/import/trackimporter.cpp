@@ -1,6 +1,7 @@
 #include "trackimporter.h"
 
 #include "catalogue/database.h"
+#include "catalogue/groupedinsert.h"
 #include "core/errorlog.h"
 #include "core/kverror.h"
 #include "core/prompts.h"
@@ -95,22 +96,42 @@ private:
 
 namespace {
 
-// Gives the screen its chance to work after a row. Asking the event loop
-// costs a system call even when nothing waits, so within a few milliseconds
-// of the last look the chance is passed over: the screen still answers within
-// a frame, and a hundred thousand rows do not pay for a hundred thousand looks.
-void pumpNowAndThen() {
+// Whether the screen is due its chance to work. Asking the event loop costs a
+// system call even when nothing waits, so within a few milliseconds of the
+// last look the chance is passed over: the screen still answers within a
+// frame, and a hundred thousand rows do not pay for a hundred thousand looks.
+bool lookDue() {
     static QElapsedTimer lastLook;
     constexpr qint64 kLookEveryNs = 4'000'000;
     if (lastLook.isValid() && lastLook.nsecsElapsed() < kLookEveryNs)
-        return;
-    QCoreApplication::processEvents();
+        return false;
     lastLook.start();
+    return true;
 }
+
+// Rows inserted by one statement while the run groups them.
+constexpr int kRowsPerGroup = 32;
 
 } // namespace
 
-TrackImporter::TrackImporter() : m_pump(pumpNowAndThen) {}
+// The rows waiting for their group's statement, with the path of the first
+// (a group the catalogue refuses stops the run there).
+class TrackImporter::Group {
+public:
+    explicit Group(sqlite3* db)
+        : rows(db,
+               "Insert or ignore into tblKaraokeTracks([TrackName], [ArtistName], [DiscName], [TrackNo], "
+               "[Filename], [TrackPath], [Kamikaze])values",
+               7, kRowsPerGroup),
+          generation(ConnectionGeneration()) {}
+    GroupedInsert rows;
+    quint64 generation;
+    int waiting = 0;
+    QString firstPath;
+    qint64 counted = 0;
+};
+
+TrackImporter::TrackImporter() = default;
 
 TrackImporter::TrackImporter(TrackImporter&&) noexcept = default;
 TrackImporter& TrackImporter::operator=(TrackImporter&&) noexcept = default;
@@ -119,9 +140,90 @@ TrackImporter::~TrackImporter() {
     releaseStatement();
 }
 
+void TrackImporter::setEventPump(std::function<void()> pump) {
+    m_pump = std::move(pump);
+    m_lookNowAndThen = false;
+}
+
 void TrackImporter::releaseStatement() {
+    flushGroup();
+    m_group.reset();
     if (m_insert)
         m_insert->release();
+}
+
+void TrackImporter::setGrouping(bool on) {
+    if (!on)
+        flushGroup();
+    m_grouping = on;
+}
+
+// A pump of the caller's own runs after every row, which must be in the
+// catalogue by then; the looks now and then flush what waits before they look.
+void TrackImporter::afterRow() {
+    if (m_lookNowAndThen) {
+        if (lookDue()) {
+            flushGroup();
+            QCoreApplication::processEvents();
+        }
+    } else if (m_pump) {
+        m_pump();
+    }
+}
+
+void TrackImporter::queueRow(const QString& path, const NameCut& cut, bool kamikaze) {
+    if (m_group && m_group->generation != ConnectionGeneration())
+        m_group.reset();
+    if (!m_group) {
+        if (!IsDatabaseOpen())
+            throw KvError(3704, QStringLiteral("Operation is not allowed when the object is closed."),
+                          kSource);
+        m_group = std::make_unique<Group>(NativeHandle(dbConnection()));
+    }
+    if (m_group->waiting++ == 0)
+        m_group->firstPath = path;
+    for (const QByteArray& value : cut.values)
+        m_group->rows.add(QByteArrayView(value));
+    m_group->rows.add(qint64(kamikaze ? -1 : 0));
+    if (!m_group->rows.endRow())
+        groupFailed();
+    else if (m_group->waiting == kRowsPerGroup)
+        groupRan();
+}
+
+void TrackImporter::flushGroup() {
+    if (!m_group || m_group->waiting == 0)
+        return;
+    if (m_group->generation != ConnectionGeneration()) {
+        // The connection went under the rows: they are lost with its batch.
+        m_group.reset();
+        return;
+    }
+    if (m_group->rows.finish())
+        groupRan();
+    else
+        groupFailed();
+}
+
+// The rows the group's statement took are new tracks; the others were in the
+// catalogue already.
+void TrackImporter::groupRan() {
+    const qint64 inserted = m_group->rows.inserted();
+    importSession().NewTrackCount += qint32(inserted - m_group->counted);
+    m_group->counted = inserted;
+    m_group->waiting = 0;
+}
+
+void TrackImporter::groupFailed() {
+    sqlite3* db = NativeHandle(dbConnection());
+    const qint32 code = db ? sqlite3_extended_errcode(db) : 0;
+    const QString text = m_group->rows.error();
+    const QString path = m_group->firstPath;
+    m_group.reset();
+    // Logged without a box: the run that called tells the host once, and
+    // stops at the group's first file.
+    LogErrorExQuietly(kSource, code, text, kLineInsert);
+    StopReason = text + QStringLiteral("\nFile: ") + path;
 }
 
 void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
@@ -137,11 +239,30 @@ void TrackImporter::AddToImportDatabase(const QString& path, const NameCut& cutA
         if (cutAhead.convention != ConventionNumber)
             recut = CutFileName(path, ConventionNumber);
         const NameCut& cut = cutAhead.convention != ConventionNumber ? recut : cutAhead;
+        if (cut.missingPieces > 0) {
+            // The host is asked with the rows before this one in the catalogue.
+            flushGroup();
+            if (!StopReason.isEmpty())
+                return;
+        }
         tellMissingPieces(cut);
         if (cut.failure)
             std::rethrow_exception(cut.failure);
 
         line = kLineInsert;
+        // While the run groups its rows, a row waits for its group's
+        // statement, unless it ends a batch: the commit after it depends on
+        // whether it was new, so it goes in on its own, after the others.
+        const bool endsBatch = (ProcessedCount + 1) % kCommitEvery == 0;
+        if (m_grouping && m_lookNowAndThen && !endsBatch) {
+            queueRow(path, cut, kamikaze);
+            ++ProcessedCount;
+            afterRow();
+            return;
+        }
+        flushGroup();
+        if (!StopReason.isEmpty())
+            return;
         if (!m_insert)
             m_insert = std::make_unique<Insert>();
         QString failureText;
@@ -155,11 +276,10 @@ void TrackImporter::AddToImportDatabase(const QString& path, const NameCut& cutA
 
         ++ProcessedCount;
         ++importSession().NewTrackCount;
-        if (m_pump)
-            m_pump();
+        afterRow();
         if (ProcessedCount % kCommitEvery == 0) {
             line = kLineCommit;
-            releaseStatement();
+            m_insert->release();
             CommitTrans();
             BeginTrans();
         }

@@ -33,12 +33,20 @@ public:
     // The same with the name cut already (on any thread, by any convention).
     void AddToImportDatabase(const QString& path, const NameCut& cut, bool kamikaze);
 
-    // What runs once per inserted row to keep the screen alive; the pending
-    // events of the application unless replaced.
-    void setEventPump(std::function<void()> pump) { m_pump = std::move(pump); }
+    // What runs once per inserted row to keep the screen alive, every row in
+    // the catalogue by then. Unless replaced: a look at the application's
+    // pending events every few milliseconds.
+    void setEventPump(std::function<void()> pump);
 
-    // Lets go of the prepared insert (a prepared statement keeps the
-    // connection from closing); the run calls it when its walk ends.
+    // While on (and the pump is not replaced), rows are inserted in groups,
+    // many to a statement; a row may wait for its group until the next look
+    // at the events, question, commit, or the grouping's end. Every count but
+    // the new tracks' is kept row by row.
+    void setGrouping(bool on);
+
+    // Puts in what waits, and lets go of the prepared inserts (a prepared
+    // statement keeps the connection from closing); the run calls it when
+    // its walk ends.
     void releaseStatement();
 
     static constexpr int kCommitEvery = 3000;
@@ -49,8 +57,17 @@ public:
 
 private:
     class Insert;
+    class Group;
     void tellMissingPieces(const NameCut& cut);
+    void afterRow();
+    void queueRow(const QString& path, const NameCut& cut, bool kamikaze);
+    void flushGroup();
+    void groupRan();
+    void groupFailed();
 
     std::function<void()> m_pump;
+    bool m_lookNowAndThen = true;
+    bool m_grouping = false;
     std::unique_ptr<Insert> m_insert;
+    std::unique_ptr<Group> m_group;
 };

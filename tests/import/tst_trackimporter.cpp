@@ -207,6 +207,66 @@ private slots:
             QCOMPARE(rowsWithPath(QStringLiteral("/c/A - T3001.zip")).size(), 0);
         }
     }
+
+    // Rows grouped many to a statement end as they would one by one: the
+    // same counts, the same commits (a duplicate as the 3000th does not
+    // commit), and a refused group stops the run at its first file, with
+    // every row before that file in and none from it on. Where a group ends
+    // depends on the looks at the events, so the refused row's group is
+    // found from the stop.
+    void groupedRowsAsOneByOne_data() {
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<int>("duplicateAt");
+        QTest::addColumn<int>("refusedAt");
+        QTest::addColumn<int>("newTracks");
+        QTest::addColumn<int>("keptAfterRollback");
+        QTest::newRow("a group and a part") << 45 << 0 << 0 << 45 << 0;
+        QTest::newRow("past a batch") << 3040 << 0 << 0 << 3040 << 3000;
+        QTest::newRow("duplicates inside groups") << 100 << 7 << 0 << 86 << 0;
+        QTest::newRow("a duplicate ends the batch") << 3000 << 3000 << 0 << 2999 << 0;
+        QTest::newRow("a refused row") << 200 << 0 << 40 << -1 << 0;
+    }
+    void groupedRowsAsOneByOne() {
+        QFETCH(int, rows);
+        QFETCH(int, duplicateAt);
+        QFETCH(int, refusedAt);
+        QFETCH(int, newTracks);
+        if (refusedAt > 0)
+            QVERIFY(
+                QSqlQuery(dbConnection())
+                    .exec(QStringLiteral("CREATE TEMP TRIGGER refuse BEFORE INSERT ON tblKaraokeTracks "
+                                         "WHEN NEW.TrackName = 'T%1' BEGIN SELECT RAISE(ABORT, 'refused'); "
+                                         "END")
+                              .arg(refusedAt)));
+        TrackImporter grouped; // with its own looks at the events, which allow groups
+        grouped.ConventionNumber = 1;
+        grouped.setGrouping(true);
+        for (int i = 1; i <= rows && grouped.StopReason.isEmpty(); ++i) {
+            // Every `duplicateAt`th file is the one before it again.
+            const int n = duplicateAt > 0 && i % duplicateAt == 0 ? i - 1 : i;
+            grouped.AddToImportDatabase(QStringLiteral("/c/A - T%1.zip").arg(n), false);
+        }
+        grouped.setGrouping(false);
+        if (refusedAt > 0) {
+            const QString prefix = QStringLiteral("refused\nFile: /c/A - T");
+            QVERIFY2(grouped.StopReason.startsWith(prefix), qPrintable(grouped.StopReason));
+            const int first = grouped.StopReason.mid(prefix.size()).chopped(4).toInt();
+            QVERIFY(first >= 1 && first <= refusedAt);
+            newTracks = first - 1;
+            QCOMPARE(int(trackCount()), newTracks);
+            QCOMPARE(rowsWithPath(QStringLiteral("/c/A - T%1.zip").arg(first)).size(), 0);
+            if (first > 1)
+                QCOMPARE(rowsWithPath(QStringLiteral("/c/A - T%1.zip").arg(first - 1)).size(), 1);
+        } else {
+            QCOMPARE(grouped.ProcessedCount, rows);
+            QCOMPARE(grouped.StopReason, QString());
+            QCOMPARE(int(trackCount()), newTracks);
+        }
+        QCOMPARE(importSession().NewTrackCount, newTracks);
+        if (InTransaction())
+            RollbackTrans();
+        QTEST(int(trackCount()), "keptAfterRollback");
+    }
 };
 
 KV_TEST_CLASS(TestTrackImporter)
