@@ -402,7 +402,10 @@ int g_bulkDepth = 0;
 } // namespace
 
 BulkWrites::BulkWrites() {
-    if (!IsDatabaseOpen() || g_bulkDepth++ > 0)
+    if (!IsDatabaseOpen())
+        return;
+    m_counted = true;
+    if (g_bulkDepth++ > 0)
         return;
     m_generation = ConnectionGeneration();
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
@@ -413,16 +416,18 @@ BulkWrites::BulkWrites() {
 }
 
 BulkWrites::~BulkWrites() {
-    if (g_bulkDepth == 0 || --g_bulkDepth > 0)
+    if (!m_counted)
         return;
-    if (!IsDatabaseOpen() || ConnectionGeneration() != m_generation) {
-        // The connection it set up is gone, and its hook with it.
-        if (m_folding)
-            m_folding->writerClosed();
-        m_folding.reset();
+    --g_bulkDepth;
+    if (!m_folding)
         return;
-    }
+    const bool sameConnection = IsDatabaseOpen() && ConnectionGeneration() == m_generation;
+    // A connection closed meanwhile took its hook with it.
+    if (!sameConnection)
+        m_folding->writerClosed();
     m_folding.reset();
+    if (!sameConnection)
+        return;
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_autocheckpoint = 1000"));
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA synchronous = FULL"));
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)"));

@@ -66,6 +66,8 @@ public:
 private:
     std::unique_ptr<BackgroundCheckpoint> m_folding;
     quint64 m_generation = 0;
+    // Counted among the nested ones (the catalogue was open).
+    bool m_counted = false;
 };
 
 // Doubles every single quote of a value that goes into an SQL literal.

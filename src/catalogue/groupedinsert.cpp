@@ -4,7 +4,7 @@
 
 GroupedInsert::GroupedInsert(sqlite3* db, QByteArrayView head, int columns, int rowsPerGroup)
     : m_db(db), m_head(head.toByteArray()), m_columns(columns), m_rowsPerGroup(rowsPerGroup),
-      m_full(db, sql(rowsPerGroup)) {
+      m_full(db, sql(rowsPerGroup)), m_tails(size_t(rowsPerGroup)) {
     m_values.reserve(size_t(columns) * size_t(rowsPerGroup));
 }
 
@@ -43,8 +43,12 @@ bool GroupedInsert::endRow() {
 bool GroupedInsert::finish() {
     if (m_rows == 0)
         return true;
-    SqliteStatement tail(m_db, sql(m_rows));
-    return run(tail);
+    // A caller that finishes often (before each look at the screen) meets
+    // the same few lengths again: each is prepared once.
+    std::unique_ptr<SqliteStatement>& tail = m_tails[size_t(m_rows)];
+    if (!tail)
+        tail = std::make_unique<SqliteStatement>(m_db, sql(m_rows));
+    return run(*tail);
 }
 
 bool GroupedInsert::run(SqliteStatement& statement) {
@@ -65,13 +69,28 @@ bool GroupedInsert::run(SqliteStatement& statement) {
         ++at;
     }
     const bool ran = statement.run();
-    // The error stays the last refusal's.
-    if (ran)
+    // The error and the rows stay the last refusal's.
+    if (ran) {
         m_inserted += sqlite3_changes(m_db);
-    else
+    } else {
         m_error = statement.error();
+        m_refusedValues.swap(m_values);
+        m_refusedBytes.swap(m_bytes);
+        m_refusedRows = m_rows;
+    }
     m_values.clear();
     m_bytes.resize(0);
     m_rows = 0;
     return ran;
+}
+
+QByteArrayView GroupedInsert::refusedText(int row, int column) const {
+    const Value& v = m_refusedValues[size_t(row) * size_t(m_columns) + size_t(column)];
+    return v.kind == Value::Text ? QByteArrayView(m_refusedBytes.constData() + v.integer, v.length)
+                                 : QByteArrayView();
+}
+
+qint64 GroupedInsert::refusedInteger(int row, int column) const {
+    const Value& v = m_refusedValues[size_t(row) * size_t(m_columns) + size_t(column)];
+    return v.kind == Value::Integer ? v.integer : 0;
 }

@@ -6,6 +6,7 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <memory>
 #include <vector>
 
 struct sqlite3;
@@ -31,12 +32,19 @@ public:
     void add(QByteArrayView utf8);
     void addNull();
     bool endRow();
-    // Runs the last, shorter group, with the same answer.
+    // Runs the rows added so far as a shorter group, with the same answer;
+    // more rows may follow.
     bool finish();
 
     // The rows the table took so far.
     qint64 inserted() const { return m_inserted; }
     QString error() const { return m_error; }
+
+    // The last group the database refused, row by row as it was added (so
+    // that a caller can find the row at fault).
+    int refusedRows() const { return m_refusedRows; }
+    QByteArrayView refusedText(int row, int column) const;
+    qint64 refusedInteger(int row, int column) const;
 
 private:
     struct Value {
@@ -53,9 +61,14 @@ private:
     int m_columns;
     int m_rowsPerGroup;
     SqliteStatement m_full;
+    // The statements of shorter groups, by their number of rows.
+    std::vector<std::unique_ptr<SqliteStatement>> m_tails;
     std::vector<Value> m_values;
     QByteArray m_bytes;
     int m_rows = 0;
+    std::vector<Value> m_refusedValues;
+    QByteArray m_refusedBytes;
+    int m_refusedRows = 0;
     qint64 m_inserted = 0;
     QString m_error;
 };

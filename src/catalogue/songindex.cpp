@@ -203,7 +203,7 @@ void join(Scan& into, Scan&& more) {
     into.names += more.names;
 }
 
-// A catalogue smaller than this is read in one piece.
+// A catalogue whose ids span less than this is read in one piece.
 constexpr qint64 kSplitFrom = 20000;
 
 } // namespace
@@ -248,6 +248,13 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
                            std::ref(upper));
         scanRows(db, std::numeric_limits<qint64>::min(), middle, accentBlind, stop, scan);
         helper.join();
+        if (upper.outcome == Scan::Failed) {
+            // The second connection could not read: the upper half is read
+            // here after all.
+            upper = Scan();
+            if (scan.outcome == Scan::Read)
+                scanRows(db, middle + 1, std::numeric_limits<qint64>::max(), accentBlind, stop, upper);
+        }
         if (scan.outcome == Scan::Read && upper.outcome != Scan::Read)
             scan = std::move(upper);
         else if (scan.outcome == Scan::Read)

@@ -64,6 +64,8 @@ void ImportRun::setEventPump(std::function<void()> pump) {
 }
 
 void ImportRun::pump() {
+    // The screen may read the catalogue: what waits for its group goes in first.
+    m_importer.flushRows();
     if (m_pump)
         m_pump();
 }
@@ -199,6 +201,7 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
     if (!dir) {
         const int error = errno;
         m_ahead->open(folder, folderBytes, nullptr, nullptr, false);
+        m_importer.flushRows();
         ShowApplicationError(systemError(error), kWalkPlace, kLineOpenFolder, Prompts::Exclamation, folder);
         return;
     }
@@ -223,13 +226,14 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
         WalkAhead::Entry& entry = m_ahead->take(*listing, i);
         childBytes = folderBytes;
         childBytes += entry.bytes;
-        if (IsFolderEntry(childBytes, entry.type)) {
+        const bool isFolder = IsFolderEntry(childBytes, entry.type);
+        m_ahead->settle(*listing, entry, isFolder);
+        if (isFolder) {
             if (CancelRequested)
                 break;
             childBytes += '/';
             walk(folder + entry.name + QLatin1Char('/'), childBytes, visited);
         } else {
-            m_ahead->workOut(*listing, entry);
             if (entry.song) {
                 // A name that is not UTF-8 (old Windows discs carry Latin-1
                 // names) has no text that opens the file again: it is left
@@ -251,6 +255,7 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
             pump();
     }
     if (const int readError = WalkAhead::readError(*listing); readError != 0) {
+        m_importer.flushRows();
         ShowApplicationError(systemError(readError), kWalkPlace, kLineNextEntry, Prompts::Exclamation,
                              folder);
         return;

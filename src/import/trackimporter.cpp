@@ -109,13 +109,13 @@ bool lookDue() {
     return true;
 }
 
-// Rows inserted by one statement while the run groups them.
-constexpr int kRowsPerGroup = 32;
+// Rows inserted by one statement while the run groups them: the walk looks
+// at the events every 50 files, and two full groups fit between two looks.
+constexpr int kRowsPerGroup = 25;
 
 } // namespace
 
-// The rows waiting for their group's statement, with the path of the first
-// (a group the catalogue refuses stops the run there).
+// The rows waiting for their group's statement.
 class TrackImporter::Group {
 public:
     explicit Group(sqlite3* db)
@@ -127,7 +127,6 @@ public:
     GroupedInsert rows;
     quint64 generation;
     int waiting = 0;
-    QString firstPath;
     qint64 counted = 0;
 };
 
@@ -146,7 +145,7 @@ void TrackImporter::setEventPump(std::function<void()> pump) {
 }
 
 void TrackImporter::releaseStatement() {
-    flushGroup();
+    flushRows();
     m_group.reset();
     if (m_insert)
         m_insert->release();
@@ -154,24 +153,26 @@ void TrackImporter::releaseStatement() {
 
 void TrackImporter::setGrouping(bool on) {
     if (!on)
-        flushGroup();
+        flushRows();
     m_grouping = on;
 }
 
-// A pump of the caller's own runs after every row, which must be in the
-// catalogue by then; the looks now and then flush what waits before they look.
+// What waits goes in before the screen gets its chance: a pump of the
+// caller's own runs after every row, the looks now and then every few
+// milliseconds.
 void TrackImporter::afterRow() {
     if (m_lookNowAndThen) {
         if (lookDue()) {
-            flushGroup();
+            flushRows();
             QCoreApplication::processEvents();
         }
     } else if (m_pump) {
+        flushRows();
         m_pump();
     }
 }
 
-void TrackImporter::queueRow(const QString& path, const NameCut& cut, bool kamikaze) {
+void TrackImporter::queueRow(const NameCut& cut, bool kamikaze) {
     if (m_group && m_group->generation != ConnectionGeneration())
         m_group.reset();
     if (!m_group) {
@@ -180,8 +181,7 @@ void TrackImporter::queueRow(const QString& path, const NameCut& cut, bool kamik
                           kSource);
         m_group = std::make_unique<Group>(NativeHandle(dbConnection()));
     }
-    if (m_group->waiting++ == 0)
-        m_group->firstPath = path;
+    ++m_group->waiting;
     for (const QByteArray& value : cut.values)
         m_group->rows.add(QByteArrayView(value));
     m_group->rows.add(qint64(kamikaze ? -1 : 0));
@@ -191,7 +191,7 @@ void TrackImporter::queueRow(const QString& path, const NameCut& cut, bool kamik
         groupRan();
 }
 
-void TrackImporter::flushGroup() {
+void TrackImporter::flushRows() {
     if (!m_group || m_group->waiting == 0)
         return;
     if (m_group->generation != ConnectionGeneration()) {
@@ -214,16 +214,44 @@ void TrackImporter::groupRan() {
     m_group->waiting = 0;
 }
 
+// The catalogue refused the group's statement, which took none of its rows.
+// While the batch stands, the rows go in again one by one, as they would
+// have without the group: those before the refused one are kept, and the run
+// stops at it. A batch that fell with the statement (a full disk may take it
+// down) stops the run at the group's first file.
 void TrackImporter::groupFailed() {
     sqlite3* db = NativeHandle(dbConnection());
     const qint32 code = db ? sqlite3_extended_errcode(db) : 0;
-    const QString text = m_group->rows.error();
-    const QString path = m_group->firstPath;
-    m_group.reset();
-    // Logged without a box: the run that called tells the host once, and
-    // stops at the group's first file.
-    LogErrorExQuietly(kSource, code, text, kLineInsert);
-    StopReason = text + QStringLiteral("\nFile: ") + path;
+    const std::unique_ptr<Group> group = std::move(m_group);
+    const GroupedInsert& refused = group->rows;
+    // Each row's path is its last text value.
+    auto pathOf = [&](int row) { return QString::fromUtf8(refused.refusedText(row, NameCut::TrackPath)); };
+    auto stopAt = [this](qint32 number, const QString& why, const QString& path) {
+        // Logged without a box: the run that called tells the host once.
+        LogErrorExQuietly(kSource, number, why, kLineInsert);
+        StopReason = why + QStringLiteral("\nFile: ") + path;
+    };
+    if (!db || sqlite3_get_autocommit(db))
+        return stopAt(code, refused.error(), pathOf(0));
+    for (int row = 0; row < refused.refusedRows(); ++row) {
+        std::array<QByteArray, 6> values;
+        for (int column = 0; column < 6; ++column)
+            values[size_t(column)] = refused.refusedText(row, column).toByteArray();
+        QString failure;
+        qint32 result = 0;
+        try {
+            if (!m_insert)
+                m_insert = std::make_unique<Insert>();
+            result = m_insert->run(values, refused.refusedInteger(row, 6) != 0, failure);
+        } catch (const KvError& e) {
+            result = e.number();
+            failure = e.description();
+        }
+        if (result == 0)
+            ++importSession().NewTrackCount;
+        else if (result != Insert::kAlreadyThere)
+            return stopAt(result, failure, pathOf(row));
+    }
 }
 
 void TrackImporter::AddToImportDatabase(const QString& path, bool kamikaze) {
@@ -241,7 +269,7 @@ void TrackImporter::AddToImportDatabase(const QString& path, const NameCut& cutA
         const NameCut& cut = cutAhead.convention != ConventionNumber ? recut : cutAhead;
         if (cut.missingPieces > 0) {
             // The host is asked with the rows before this one in the catalogue.
-            flushGroup();
+            flushRows();
             if (!StopReason.isEmpty())
                 return;
         }
@@ -254,13 +282,13 @@ void TrackImporter::AddToImportDatabase(const QString& path, const NameCut& cutA
         // statement, unless it ends a batch: the commit after it depends on
         // whether it was new, so it goes in on its own, after the others.
         const bool endsBatch = (ProcessedCount + 1) % kCommitEvery == 0;
-        if (m_grouping && m_lookNowAndThen && !endsBatch) {
-            queueRow(path, cut, kamikaze);
+        if (m_grouping && !endsBatch) {
+            queueRow(cut, kamikaze);
             ++ProcessedCount;
             afterRow();
             return;
         }
-        flushGroup();
+        flushRows();
         if (!StopReason.isEmpty())
             return;
         if (!m_insert)

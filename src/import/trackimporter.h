@@ -38,11 +38,14 @@ public:
     // pending events every few milliseconds.
     void setEventPump(std::function<void()> pump);
 
-    // While on (and the pump is not replaced), rows are inserted in groups,
-    // many to a statement; a row may wait for its group until the next look
-    // at the events, question, commit, or the grouping's end. Every count but
-    // the new tracks' is kept row by row.
+    // While on, rows are inserted in groups, many to a statement; a row may
+    // wait for its group until the next look at the events, question,
+    // commit, flushRows() or the grouping's end. Every count but the new
+    // tracks' is kept row by row.
     void setGrouping(bool on);
+    // Puts in the rows waiting for their group (before the caller shows
+    // anything, or lets the screen work).
+    void flushRows();
 
     // Puts in what waits, and lets go of the prepared inserts (a prepared
     // statement keeps the connection from closing); the run calls it when
@@ -60,8 +63,7 @@ private:
     class Group;
     void tellMissingPieces(const NameCut& cut);
     void afterRow();
-    void queueRow(const QString& path, const NameCut& cut, bool kamikaze);
-    void flushGroup();
+    void queueRow(const NameCut& cut, bool kamikaze);
     void groupRan();
     void groupFailed();
 

@@ -58,14 +58,27 @@ public:
     bool identified = false;
     quint64 device = 0;
     quint64 inode = 0;
+    // When the folder last changed, as it stood once read.
+    qint64 changedNs = 0;
+    qint64 modifiedNs = 0;
     bool seen = false;
     std::vector<Entry> entries;
     int readError = 0;
     // Entries [0, ready) are read and worked out.
     std::atomic<size_t> ready{0};
+    // Entries of it the walk has taken.
+    size_t taken = 0;
     // Read by the walk itself: its entries are worked out as they are taken.
     bool local = false;
 };
+
+namespace {
+
+qint64 nanoseconds(const timespec& t) {
+    return qint64(t.tv_sec) * 1'000'000'000 + t.tv_nsec;
+}
+
+} // namespace
 
 WalkAhead::WalkAhead(const QString& root, const QByteArray& rootBytes, const FilePatternMatcher& matcher,
                      int convention)
@@ -116,8 +129,8 @@ void WalkAhead::run() {
 void WalkAhead::freeRetired(std::unique_lock<std::mutex>& lock) {
     if (m_retired.empty())
         return;
-    // Freed on the thread that made their texts: a block goes back to the
-    // heap it came from without a lock taken against that thread.
+    // Freed, as a rule, on the thread that made their texts: a block goes
+    // back to the heap it came from without a lock taken against that thread.
     std::vector<std::shared_ptr<Folder>> retired;
     retired.swap(m_retired);
     lock.unlock();
@@ -133,8 +146,11 @@ bool WalkAhead::visit(const QString& folder, const QByteArray& folderBytes, std:
     f->text = folder;
     f->bytes = folderBytes;
     if (DIR* dir = ::opendir(folderBytes.constData())) {
+        // The folder is known by its identity, and when it last changed,
+        // once it is read: the walk finds it so, or reads it again.
         struct stat self;
-        if (::fstat(::dirfd(dir), &self) == 0) {
+        const bool identified = ::fstat(::dirfd(dir), &self) == 0;
+        if (identified) {
             f->identified = true;
             f->device = quint64(self.st_dev);
             f->inode = quint64(self.st_ino);
@@ -142,6 +158,12 @@ bool WalkAhead::visit(const QString& folder, const QByteArray& folderBytes, std:
         }
         if (!f->seen)
             readEntries(dir, f->entries, f->readError);
+        if (identified && ::fstat(::dirfd(dir), &self) == 0) {
+            f->changedNs = nanoseconds(self.st_ctim);
+            f->modifiedNs = nanoseconds(self.st_mtim);
+        } else {
+            f->identified = false;
+        }
         ::closedir(dir);
     } else {
         f->openError = errno ? errno : EIO;
@@ -163,6 +185,7 @@ bool WalkAhead::visit(const QString& folder, const QByteArray& folderBytes, std:
         child += e.bytes;
         if (IsFolderEntry(child, e.type)) {
             e.name = QFile::decodeName(e.bytes);
+            e.enteredAhead = true;
             publish(*f, i + 1);
             child += '/';
             if (!visit(folder + e.name + QLatin1Char('/'), child, visited))
@@ -218,6 +241,7 @@ std::shared_ptr<WalkAhead::Folder> WalkAhead::open(const QString& folder, const 
         {
             std::unique_lock lock(m_mutex);
             m_walkIsWaiting.store(true);
+            m_helperWaiting.notify_all();
             m_walkWaiting.wait(lock, [&] { return !m_read.empty() || m_finished || m_stop; });
             m_walkIsWaiting.store(false);
             if (!m_read.empty()) {
@@ -230,7 +254,9 @@ std::shared_ptr<WalkAhead::Folder> WalkAhead::open(const QString& folder, const 
         const bool same =
             f && f->bytes == folderBytes &&
             (dir ? f->openError == 0 && self && f->identified && f->device == quint64(self->st_dev) &&
-                       f->inode == quint64(self->st_ino) && f->seen == seen
+                       f->inode == quint64(self->st_ino) && f->seen == seen &&
+                       f->changedNs == nanoseconds(self->st_ctim) &&
+                       f->modifiedNs == nanoseconds(self->st_mtim)
                  : f->openError != 0);
         if (same)
             return dir ? f : nullptr;
@@ -250,6 +276,7 @@ std::shared_ptr<WalkAhead::Folder> WalkAhead::open(const QString& folder, const 
 
 WalkAhead::Entry& WalkAhead::take(Folder& folder, size_t i) {
     Entry& e = folder.entries[i];
+    folder.taken = i + 1;
     if (folder.local) {
         if (e.name.isNull())
             e.name = QFile::decodeName(e.bytes);
@@ -277,11 +304,22 @@ WalkAhead::Entry& WalkAhead::take(Folder& folder, size_t i) {
 void WalkAhead::done(const std::shared_ptr<Folder>& folder) {
     if (!folder || folder->local)
         return;
+    // Left before its end: the helper is ahead in entries the walk will not
+    // take, and goes another way from here.
+    if (folder->taken < folder->entries.size() && !m_abandoned.load())
+        abandon();
     {
         const std::lock_guard lock(m_mutex);
         m_retired.push_back(folder);
     }
     m_helperWaiting.notify_all();
+}
+
+void WalkAhead::settle(Folder& folder, Entry& e, bool asFolder) {
+    if (!folder.local && !m_abandoned.load() && e.enteredAhead != asFolder)
+        abandon();
+    if (!asFolder)
+        workOut(folder, e);
 }
 
 void WalkAhead::workOut(const Folder& folder, Entry& e) const {

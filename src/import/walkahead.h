@@ -19,6 +19,10 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+// True when `path` (an entry of type `type` as a folder read gives it) is a
+// folder. Links are followed: a linked folder is walked like any other.
+bool IsFolderEntry(const QByteArray& path, unsigned char type);
+
 // Reads the folders of an import's walk, and works out what the walk needs
 // of each entry, on a thread of its own and ahead of the walk: the folder's
 // entries in name order, each entry's name as text, whether it is a song
@@ -28,14 +32,11 @@
 // move to the other processor.
 //
 // The helper goes through the tree in the walk's order and stays at most a
-// few thousand entries ahead of it. Should the walk go another way (a cancel,
-// a run started from inside this one, a folder changed under both), the
-// helper stops for good and the walk reads the rest itself, with the same
-// code.
-// True when `path` (an entry of type `type` as a folder read gives it) is a
-// folder. Links are followed: a linked folder is walked like any other.
-bool IsFolderEntry(const QByteArray& path, unsigned char type);
-
+// few thousand entries ahead of it. Should the walk go another way (a folder
+// left before its end, as a cancel leaves it; a folder changed since the
+// helper read it; an entry one of them takes for a folder and the other
+// not), the helper stops for good and the walk reads the rest itself, with
+// the same code. A run started from inside this one has a helper of its own.
 class WalkAhead {
 public:
     // `root` and `rootBytes` end in a separator.
@@ -59,6 +60,8 @@ public:
         NameCut cut;
         // The above is worked out.
         bool worked = false;
+        // The helper went into it as a folder.
+        bool enteredAhead = false;
     };
     class Folder;
 
@@ -73,8 +76,9 @@ public:
     // Entry `i` of the folder, once it is read (and, unless it was taken for
     // a folder, worked out); the walk takes them in order.
     Entry& take(Folder& folder, size_t i);
-    // Works out an entry the helper took for a folder and the walk for a file.
-    void workOut(const Folder& folder, Entry& e) const;
+    // The walk takes the entry for a folder (`asFolder`) or a file; a file
+    // is then worked out. When the helper took it the other way, it stops.
+    void settle(Folder& folder, Entry& e, bool asFolder);
     // The walk is done with the folder, whether it went through it or not.
     void done(const std::shared_ptr<Folder>& folder);
 
@@ -91,6 +95,7 @@ private:
     void stopHelper();
     size_t workedAhead() const;
     void freeRetired(std::unique_lock<std::mutex>& lock);
+    void workOut(const Folder& folder, Entry& e) const;
 
     const QString m_root;
     const QByteArray m_rootBytes;

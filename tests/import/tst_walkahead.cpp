@@ -43,13 +43,14 @@ void walkWith(WalkAhead& ahead, const QString& folder, const QByteArray& bytes, 
     for (size_t i = 0; i < WalkAhead::size(*listing); ++i) {
         WalkAhead::Entry& e = ahead.take(*listing, i);
         const QByteArray child = bytes + e.bytes;
-        if (IsFolderEntry(child, e.type)) {
+        const bool isFolder = IsFolderEntry(child, e.type);
+        ahead.settle(*listing, e, isFolder);
+        if (isFolder) {
             const QString sub = folder + e.name + QLatin1Char('/');
             if (sub != skip)
                 walkWith(ahead, sub, child + '/', visited, met, skip);
             continue;
         }
-        ahead.workOut(*listing, e);
         QCOMPARE(e.pathOpensIt, e.song);
         met << Met{folder + e.name, e.song, e.cut.values};
     }
@@ -154,6 +155,59 @@ private slots:
             QVERIFY(met[i] == expected[i]);
         }
         QCOMPARE(ahead.following(), following);
+    }
+
+    // A folder that changes after the helper read it, and a link that
+    // becomes a folder after the helper passed it by, are read by the walk
+    // as they are when it gets there; the helper stops following.
+    void changesAfterTheReadingAhead_data() {
+        QTest::addColumn<bool>("linkBecomesFolder");
+        QTest::newRow("a song added to a folder read ahead") << false;
+        QTest::newRow("a dangling link whose folder appears") << true;
+    }
+    void changesAfterTheReadingAhead() {
+        QFETCH(bool, linkBecomesFolder);
+        QTemporaryDir tmp;
+        QTemporaryDir outside;
+        const QString root = tmp.path() + QLatin1Char('/');
+        const QString elsewhere = outside.path() + QStringLiteral("/elsewhere");
+        touch(root + QStringLiteral("a/A - First.zip"));
+        touch(root + QStringLiteral("z/Z - Last.zip"));
+        if (linkBecomesFolder)
+            QVERIFY(QFile::link(elsewhere, root + QStringLiteral("m")));
+        const QByteArray rootBytes = QFile::encodeName(root);
+        WalkAhead ahead(root, rootBytes, FilePatternMatcher(ImportRun::kSongFilePattern), kConvention);
+        Visited visited;
+        DIR* dir = ::opendir(rootBytes.constData());
+        struct stat self;
+        QVERIFY(dir && ::fstat(::dirfd(dir), &self) == 0);
+        visited.emplace(self.st_dev, self.st_ino);
+        const auto listing = ahead.open(root, rootBytes, dir, &self, false);
+        ::closedir(dir);
+        // Once the last entry is ready, the helper is past everything before it.
+        QCOMPARE(WalkAhead::size(*listing), size_t(linkBecomesFolder ? 3 : 2));
+        ahead.take(*listing, WalkAhead::size(*listing) - 1);
+        if (linkBecomesFolder)
+            touch(elsewhere + QStringLiteral("/M - Middle.zip"));
+        else
+            touch(root + QStringLiteral("a/A - Second.zip"));
+
+        QList<Met> met;
+        for (size_t i = 0; i < WalkAhead::size(*listing); ++i) {
+            WalkAhead::Entry& e = ahead.take(*listing, i);
+            const QByteArray child = rootBytes + e.bytes;
+            const bool isFolder = IsFolderEntry(child, e.type);
+            ahead.settle(*listing, e, isFolder);
+            QVERIFY(isFolder);
+            walkWith(ahead, root + e.name + QLatin1Char('/'), child + '/', visited, met, {});
+        }
+        ahead.done(listing);
+        QList<Met> expected;
+        std::set<QString> seenFolders;
+        expectedWalk(root, seenFolders, expected, {});
+        QVERIFY(met == expected);
+        QCOMPARE(met.size(), 3);
+        QVERIFY(!ahead.following());
     }
 
     // Dropped with folders read ahead and never taken (a walk cut short):
