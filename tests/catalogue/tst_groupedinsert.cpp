@@ -66,6 +66,17 @@ private slots:
         allTaken = insert.finish() && allTaken;
         QCOMPARE(allTaken, refusedAt < 0 || orIgnore);
         QCOMPARE(!allTaken && insert.error().contains(rule), !allTaken);
+        if (!allTaken) {
+            // The refused group is there to read again, row by row.
+            const int first = refusedAt / 4 * 4;
+            QCOMPARE(insert.refusedRows(), qMin(4, rows - first));
+            for (int r = 0; r < insert.refusedRows(); ++r) {
+                QCOMPARE(insert.refusedInteger(r, 0),
+                         first + r == refusedAt && rule == "NOT NULL" ? 0 : first + r);
+                QCOMPARE(insert.refusedText(r, 1).toByteArray(),
+                         nameOf(first + r == refusedAt && rule == "UNIQUE" ? 0 : first + r));
+            }
+        }
         QStringList landed;
         QSqlQuery q = ExecuteSql("SELECT N, Name, Note IS NULL FROM tblGroups ORDER BY rowid");
         while (q.next()) {
