@@ -28,8 +28,8 @@
 #include <QTextStream>
 
 #include <algorithm>
-#include <unistd.h>
 #include <ctime>
+#include <unistd.h>
 #include <vector>
 
 namespace {
