@@ -310,10 +310,12 @@ bool runQuerySet(Frame& f, int catalogue, const QStringList& queries, bool check
 bool runAccentBlind(Frame& f, int catalogue) {
     SetAccentBlindLike(true);
     const bool ready = SongIndexKeeper::instance().waitUntilCurrent(true, 120000);
-    const QStringList queries = {QStringLiteral("beyonce"), QStringLiteral("ros"),
+    // The whole set, so that the median is as steady as the typed search's,
+    // and words whose accents the setting leaves out.
+    const QStringList queries =
+        querySet() + QStringList{QStringLiteral("beyonce"), QStringLiteral("ros"),
                                  QStringLiteral("arzte"),   QStringLiteral("cafe senor"),
-                                 QStringLiteral("naive"),   QStringLiteral("love"),
-                                 QStringLiteral("zzzq"),    QStringLiteral("Beyoncé")};
+                                 QStringLiteral("naive"),   QStringLiteral("Beyoncé")};
     const bool same = ready && runQuerySet(f, catalogue, queries, true, "accent-blind search");
     SetAccentBlindLike(false);
     SongIndexKeeper::instance().waitUntilCurrent(false, 120000);
