@@ -277,11 +277,8 @@ std::shared_ptr<WalkAhead::Folder> WalkAhead::open(const QString& folder, const 
 WalkAhead::Entry& WalkAhead::take(Folder& folder, size_t i) {
     Entry& e = folder.entries[i];
     folder.taken = i + 1;
-    if (folder.local) {
-        if (e.name.isNull())
-            e.name = QFile::decodeName(e.bytes);
-        return e;
-    }
+    // A folder the walk read itself needs no way of its own: it is whole
+    // already, and the helper it could wake has stopped.
     const size_t taken = m_taken.fetch_add(1) + 1;
     // The helper waits for the walk to catch up: wake it once the gap is there.
     if (m_idle.load() && taken % kResumeGap == 0) {
@@ -295,7 +292,8 @@ WalkAhead::Entry& WalkAhead::take(Folder& folder, size_t i) {
         m_walkWaiting.wait(lock, [&] { return folder.ready.load() > i || m_stop; });
         m_walkIsWaiting.store(false);
     }
-    // Left unread by a helper that was stopped (and has ended): read here.
+    // Read by the walk itself, or left unread by a helper that was stopped
+    // (and has ended): its text is made here.
     if (e.name.isNull())
         e.name = QFile::decodeName(e.bytes);
     return e;
