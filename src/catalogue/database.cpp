@@ -200,6 +200,10 @@ sqlite3* NativeHandle(const QSqlDatabase& db) {
     return *static_cast<sqlite3* const*>(handle.constData());
 }
 
+void SetTriggersOn(sqlite3* db, bool on) {
+    sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, on ? 1 : 0, nullptr);
+}
+
 bool IsDatabaseOpen() {
     return QSqlDatabase::contains(kConnectionName) && dbConnection().isOpen();
 }

@@ -22,6 +22,11 @@ bool IsDatabaseOpen();
 quint64 ConnectionGeneration();
 // The SQLite handle under an open connection, or null.
 sqlite3* NativeHandle(const QSqlDatabase& db);
+// Turns the triggers of a connection off or on. Its statements are made again
+// at their next start, so each runs the triggers as they stand then; a writer
+// turns them off only while it runs statements whose rows none of them would
+// touch, and on again before anything else may write.
+void SetTriggersOn(sqlite3* db, bool on);
 
 // How a process uses the catalogue: the one that holds the working folder's
 // lock writes (and may recover and set up the file); any other only reads it

@@ -27,8 +27,8 @@ void GroupedInsert::add(qint64 value) {
 }
 
 void GroupedInsert::add(QByteArrayView utf8) {
-    m_values.push_back({Value::Text, m_bytes.size(), utf8.size()});
-    m_bytes.append(utf8);
+    m_values.push_back({Value::Text, qint64(m_bytes.size()), utf8.size()});
+    m_bytes.append(utf8.data(), size_t(utf8.size()));
 }
 
 void GroupedInsert::addNull() {
@@ -60,7 +60,7 @@ bool GroupedInsert::run(SqliteStatement& statement) {
             break;
         case Value::Text:
             // The bytes stay put until the statement has run.
-            statement.bindUncopied(at, QByteArrayView(m_bytes.constData() + v.integer, v.length));
+            statement.bindUncopied(at, QByteArrayView(m_bytes.data() + v.integer, v.length));
             break;
         case Value::Null:
             statement.bindNull(at);
@@ -79,14 +79,14 @@ bool GroupedInsert::run(SqliteStatement& statement) {
         m_refusedRows = m_rows;
     }
     m_values.clear();
-    m_bytes.resize(0);
+    m_bytes.clear();
     m_rows = 0;
     return ran;
 }
 
 QByteArrayView GroupedInsert::refusedText(int row, int column) const {
     const Value& v = m_refusedValues[size_t(row) * size_t(m_columns) + size_t(column)];
-    return v.kind == Value::Text ? QByteArrayView(m_refusedBytes.constData() + v.integer, v.length)
+    return v.kind == Value::Text ? QByteArrayView(m_refusedBytes.data() + v.integer, v.length)
                                  : QByteArrayView();
 }
 

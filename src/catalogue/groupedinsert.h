@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 struct sqlite3;
@@ -64,10 +65,11 @@ private:
     // The statements of shorter groups, by their number of rows.
     std::vector<std::unique_ptr<SqliteStatement>> m_tails;
     std::vector<Value> m_values;
-    QByteArray m_bytes;
+    // std::string: appending to it is a plain copy, and clear() keeps its room.
+    std::string m_bytes;
     int m_rows = 0;
     std::vector<Value> m_refusedValues;
-    QByteArray m_refusedBytes;
+    std::string m_refusedBytes;
     int m_refusedRows = 0;
     qint64 m_inserted = 0;
     QString m_error;

@@ -8,6 +8,7 @@
 #include "core/errorlog.h"
 #include "core/kverror.h"
 #include "core/prompts.h"
+#include "eventlook.h"
 #include "importsession.h"
 #include "importtext.h"
 #include "importtransaction.h"
@@ -60,10 +61,15 @@ ImportRun::ImportRun(QObject* parent)
 
 void ImportRun::setEventPump(std::function<void()> pump) {
     m_pump = pump;
+    m_callersPump = true;
     m_importer.setEventPump(std::move(pump));
 }
 
 void ImportRun::pump() {
+    // A caller's own pump runs every time; the application's events are
+    // looked at every few milliseconds.
+    if (!m_callersPump && !EventLookDue())
+        return;
     // The screen may read the catalogue: what waits for its group goes in first.
     m_importer.flushRows();
     if (m_pump)

@@ -97,6 +97,7 @@ private:
     FilePatternMatcher m_matcher;
     std::function<bool()> m_kamikaze;
     std::function<void()> m_pump;
+    bool m_callersPump = false;
     int m_settlePauseMs = 1000;
     int m_runDepth = 0;
 };

@@ -1,5 +1,8 @@
 #include "importtext.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 // Trims blanks only: tabs and other white space belong to the name.
@@ -18,6 +21,20 @@ QStringView trimBlanks(QStringView s) {
 bool sameAsciiLetter(QChar c, char lower) {
     const char16_t u = c.unicode();
     return u == char16_t(lower) || (lower >= 'a' && lower <= 'z' && u == char16_t(lower - 'a' + 'A'));
+}
+
+// The extensions of the files that the host's names usually end in.
+constexpr const char* kExtensions[] = {"zip", "cdg", "mp3", "mpg", "dat"};
+
+// Whether the text's last four characters are "." and one of kExtensions.
+bool endsInExtension(QStringView s) {
+    if (s.size() < 4 || s[s.size() - 4] != QLatin1Char('.'))
+        return false;
+    const QStringView ext = s.last(3);
+    return std::any_of(std::begin(kExtensions), std::end(kExtensions), [&](const char* e) {
+        return sameAsciiLetter(ext[0], e[0]) && sameAsciiLetter(ext[1], e[1]) &&
+               sameAsciiLetter(ext[2], e[2]);
+    });
 }
 
 // Removes every "." + `ext` (three characters) from `s`, ignoring case, in one
@@ -41,28 +58,45 @@ void removeExtension(QString& s, const char* ext) {
     s.truncate(out);
 }
 
-} // namespace
-
-QString CleanNamePart(QStringView piece) {
+// The piece up to its first NUL, trimmed, less one leading underscore.
+QStringView cutPiece(QStringView piece) {
     if (const qsizetype nul = piece.indexOf(QChar(0)); nul >= 0)
         piece = piece.left(nul);
     piece = trimBlanks(piece);
     if (piece.startsWith(QLatin1Char('_')))
         piece = piece.sliced(1);
+    return piece;
+}
 
-    QString s = piece.toString();
+} // namespace
+
+QString CleanNamePart(QStringView piece) {
+    QString s = cutPiece(piece).toString();
     if (s.contains(QLatin1Char('_')))
         s.replace(QLatin1Char('_'), QLatin1Char(' '));
-    // The extensions of the files that the host's names usually end in, each
-    // removed everywhere in turn.
+    // The extensions, each removed everywhere in turn.
     if (s.contains(QLatin1Char('.'))) {
-        for (const char* ext : {"zip", "cdg", "mp3", "mpg", "dat"})
+        for (const char* ext : kExtensions)
             removeExtension(s, ext);
     }
     const QStringView trimmed = trimBlanks(s);
     if (trimmed.size() != s.size())
         return trimmed.toString();
     return s;
+}
+
+QByteArray CleanNamePartUtf8(QStringView piece) {
+    // Most pieces have no underscore in them, and no dot but that of an
+    // extension at their end: the rest of them goes into UTF-8 as it stands.
+    QStringView cut = trimBlanks(cutPiece(piece));
+    if (cut.contains(QLatin1Char('_')))
+        return CleanNamePart(piece).toUtf8();
+    const qsizetype dots = cut.count(QLatin1Char('.'));
+    if (dots == 1 && endsInExtension(cut))
+        return trimBlanks(cut.chopped(4)).toUtf8();
+    if (dots == 0)
+        return cut.toUtf8();
+    return CleanNamePart(piece).toUtf8();
 }
 
 QString EscapeQuotes(QStringView text) {

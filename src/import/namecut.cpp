@@ -1,6 +1,5 @@
 #include "namecut.h"
 
-#include "catalogue/database.h"
 #include "core/kverror.h"
 #include "importtext.h"
 
@@ -78,21 +77,6 @@ constexpr std::array<Rule, 13> kRules = {{
 
 constexpr int kAllInOne = 4;
 
-QString clean(QStringView v) {
-    return EscapeQuotes(CleanNamePart(v));
-}
-
-// The value an escaped text stands for in a statement's quotes: each pair of
-// quotes is one. The cut escapes its values for the statement text it once
-// made; binding the values they stand for stores exactly the same.
-QByteArray literalValue(const QString& escaped) {
-    if (!escaped.contains(QLatin1Char('\'')))
-        return escaped.toUtf8();
-    QString value = escaped;
-    value.replace(QStringLiteral("''"), QStringLiteral("'"));
-    return value.toUtf8();
-}
-
 // The text less its last four characters: the extension of most song files.
 QStringView withoutExtension(QStringView name) {
     if (name.size() < 4)
@@ -100,27 +84,29 @@ QStringView withoutExtension(QStringView name) {
     return name.chopped(4);
 }
 
-// The working values of one file while its name is cut.
+// The working values of one file while its name is cut, in UTF-8 as the
+// catalogue stores them.
 class Cut {
 public:
-    explicit Cut(const QString& path) : m_path(path) {
+    Cut(const QString& path, const QByteArray& pathUtf8) : m_pathUtf8(pathUtf8) {
         const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
         m_name = QStringView(path).sliced(slash + 1);
-        Filename = MakeSafeSql(m_name.toString());
         m_working = m_name.toString();
         m_working.replace(QLatin1Char('_'), QLatin1Char(' '));
         m_pieces = QStringView(m_working).split(QStringLiteral(" - "));
     }
 
-    QString TrackName, ArtistName, DiscName, TrackNo, Filename, TrackPath;
+    QByteArray TrackName, ArtistName, DiscName, TrackNo;
     int MissingPieces = 0;
 
     const QString& working() const { return m_working; }
 
+    // The name as it stands, its bytes those of the path after its last "/".
+    QByteArray fileName() const { return m_pathUtf8.sliced(m_pathUtf8.lastIndexOf('/') + 1); }
+
     void run(int convention) {
         if (convention == kAllInOne) {
-            TrackName = EscapeQuotes(withoutExtension(m_name));
-            TrackPath = EscapeQuotes(m_path);
+            TrackName = withoutExtension(m_name).toUtf8();
             return;
         }
         if (convention < 0 || convention >= int(kRules.size())) {
@@ -140,7 +126,6 @@ public:
                 missingPiece();
             }
         }
-        TrackPath = EscapeQuotes(m_path);
     }
 
 private:
@@ -154,7 +139,7 @@ private:
             throw MissingPiece{};
         return m_subs[i];
     }
-    QString& field(Field f) {
+    QByteArray& field(Field f) {
         switch (f) {
         case Field::Artist:
             return ArtistName;
@@ -171,16 +156,16 @@ private:
     void apply(const Op& op) {
         switch (op.kind) {
         case Op::Piece:
-            field(op.field) = clean(pieceAt(op.a));
+            field(op.field) = CleanNamePartUtf8(pieceAt(op.a));
             break;
         case Op::Sub:
-            field(op.field) = clean(subAt(op.a));
+            field(op.field) = CleanNamePartUtf8(subAt(op.a));
             break;
         case Op::SubPair: {
             QString joined = subAt(op.a).toString();
             joined += QLatin1Char('-');
             joined += subAt(op.b);
-            field(op.field) = clean(joined);
+            field(op.field) = CleanNamePartUtf8(joined);
             break;
         }
         case Op::Split: {
@@ -192,25 +177,32 @@ private:
         }
     }
 
+    // The title given by the name as a whole keeps its apostrophes doubled,
+    // as the catalogue has always stored it.
+    QByteArray fileNameAsTitle() const {
+        QByteArray title = fileName();
+        if (title.contains('\''))
+            title.replace("'", "''");
+        return title;
+    }
+
     // The piece count does not fit: the file goes in under its whole name.
     void fallback(bool rawFileName) {
         ArtistName.clear();
         DiscName.clear();
         TrackNo.clear();
-        TrackName = rawFileName ? EscapeQuotes(Filename) : EscapeQuotes(withoutExtension(m_working));
-        TrackPath = EscapeQuotes(m_path);
+        TrackName = rawFileName ? fileNameAsTitle() : withoutExtension(m_working).toUtf8();
     }
 
     // A statement read a piece the name lacks: the file keeps its file name
     // as title and the cut goes on with the next statement. The host hears of
     // it when the row is taken.
     void missingPiece() {
-        TrackPath = EscapeQuotes(m_path);
-        TrackName = EscapeQuotes(Filename);
+        TrackName = fileNameAsTitle();
         ++MissingPieces;
     }
 
-    const QString& m_path;
+    const QByteArray& m_pathUtf8;
     QStringView m_name;
     QString m_working;
     QList<QStringView> m_pieces;
@@ -219,16 +211,17 @@ private:
 
 } // namespace
 
-NameCut CutFileName(const QString& path, int convention) {
+NameCut CutFileName(const QString& path, int convention, QByteArray pathUtf8) {
     NameCut out;
     out.convention = convention;
+    if (pathUtf8.isNull())
+        pathUtf8 = path.toUtf8();
     std::optional<Cut> cut;
     try {
-        cut.emplace(path);
+        cut.emplace(path, pathUtf8);
         cut->run(convention);
-        out.values = {literalValue(cut->TrackName), literalValue(cut->ArtistName),
-                      literalValue(cut->DiscName),  literalValue(cut->TrackNo),
-                      literalValue(cut->Filename),  literalValue(cut->TrackPath)};
+        out.values = {cut->TrackName, cut->ArtistName, cut->DiscName,
+                      cut->TrackNo,   cut->fileName(), pathUtf8};
     } catch (...) {
         out.failure = std::current_exception();
     }

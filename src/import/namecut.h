@@ -26,5 +26,6 @@ struct NameCut {
 };
 
 // Cuts the file name at the end of `path` (a full path) by the file-name
-// convention `convention` of FileConventions().
-NameCut CutFileName(const QString& path, int convention);
+// convention `convention` of FileConventions(). `pathUtf8`, when the caller
+// has it at hand, is the path's UTF-8; it is made here otherwise.
+NameCut CutFileName(const QString& path, int convention, QByteArray pathUtf8 = {});

@@ -1,5 +1,7 @@
 #include "trackimporter.h"
 
+#include "eventlook.h"
+
 #include "catalogue/database.h"
 #include "catalogue/groupedinsert.h"
 #include "core/errorlog.h"
@@ -9,7 +11,6 @@
 #include "importtransaction.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 
 #include <array>
 
@@ -96,26 +97,20 @@ private:
 
 namespace {
 
-// Whether the screen is due its chance to work. Asking the event loop costs a
-// system call even when nothing waits, so within a few milliseconds of the
-// last look the chance is passed over: the screen still answers within a
-// frame, and a hundred thousand rows do not pay for a hundred thousand looks.
-bool lookDue() {
-    static QElapsedTimer lastLook;
-    constexpr qint64 kLookEveryNs = 4'000'000;
-    if (lastLook.isValid() && lastLook.nsecsElapsed() < kLookEveryNs)
-        return false;
-    lastLook.start();
-    return true;
-}
-
-// Rows inserted by one statement while the run groups them: the walk looks
-// at the events every 50 files, and two full groups fit between two looks.
+// Rows inserted by one statement while the run groups them.
 constexpr int kRowsPerGroup = 25;
 
 } // namespace
 
 // The rows waiting for their group's statement.
+//
+// The groups run with the connection's triggers off. The catalogue's only
+// triggers turn a Yes/No column's other values into -1, and the rows carry -1
+// or 0 already, yet each row would pay for a call into the trigger to weigh
+// that. The triggers are on again whenever the rows waiting are in, which the
+// run sees to before anything else can write (a look at the events, a
+// question, a commit): switching them makes the connection's statements again,
+// so it happens at those few places and not per group.
 class TrackImporter::Group {
 public:
     explicit Group(sqlite3* db)
@@ -123,11 +118,29 @@ public:
                "Insert or ignore into tblKaraokeTracks([TrackName], [ArtistName], [DiscName], [TrackNo], "
                "[Filename], [TrackPath], [Kamikaze])values",
                7, kRowsPerGroup),
-          generation(ConnectionGeneration()) {}
+          db(db), generation(ConnectionGeneration()) {}
+    Group(const Group&) = delete;
+    Group& operator=(const Group&) = delete;
+    ~Group() { triggersOn(); }
+
+    void triggersOff() {
+        if (!triggersAreOff)
+            SetTriggersOn(db, false);
+        triggersAreOff = true;
+    }
+    // A connection closed under the group took the setting with it.
+    void triggersOn() {
+        if (triggersAreOff && generation == ConnectionGeneration())
+            SetTriggersOn(db, true);
+        triggersAreOff = false;
+    }
+
     GroupedInsert rows;
+    sqlite3* db;
     quint64 generation;
     int waiting = 0;
     qint64 counted = 0;
+    bool triggersAreOff = false;
 };
 
 TrackImporter::TrackImporter() = default;
@@ -162,7 +175,7 @@ void TrackImporter::setGrouping(bool on) {
 // milliseconds.
 void TrackImporter::afterRow() {
     if (m_lookNowAndThen) {
-        if (lookDue()) {
+        if (EventLookDue()) {
             flushRows();
             QCoreApplication::processEvents();
         }
@@ -181,6 +194,7 @@ void TrackImporter::queueRow(const NameCut& cut, bool kamikaze) {
                           kSource);
         m_group = std::make_unique<Group>(NativeHandle(dbConnection()));
     }
+    m_group->triggersOff();
     ++m_group->waiting;
     for (const QByteArray& value : cut.values)
         m_group->rows.add(QByteArrayView(value));
@@ -203,6 +217,8 @@ void TrackImporter::flushRows() {
         groupRan();
     else
         groupFailed();
+    if (m_group)
+        m_group->triggersOn();
 }
 
 // The rows the group's statement took are new tracks; the others were in the

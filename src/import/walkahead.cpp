@@ -19,6 +19,8 @@ constexpr size_t kResumeGap = 1024;
 // instead of at a random place for every file, which is what keeps an import
 // of a million files from slowing down as it goes.
 void readEntries(DIR* dir, std::vector<WalkAhead::Entry>& entries, int& readError) {
+    // Names and types are sorted first: an entry is large to move about.
+    std::vector<std::pair<QByteArray, unsigned char>> names;
     errno = 0;
     for (;;) {
         const dirent* entry = ::readdir(dir);
@@ -26,15 +28,16 @@ void readEntries(DIR* dir, std::vector<WalkAhead::Entry>& entries, int& readErro
             readError = errno;
             break;
         }
-        if (entry->d_name[0] != '.') {
-            WalkAhead::Entry& e = entries.emplace_back();
-            e.bytes = QByteArray(entry->d_name);
-            e.type = entry->d_type;
-        }
+        if (entry->d_name[0] != '.')
+            names.emplace_back(QByteArray(entry->d_name), entry->d_type);
         errno = 0;
     }
-    std::sort(entries.begin(), entries.end(),
-              [](const WalkAhead::Entry& a, const WalkAhead::Entry& b) { return a.bytes < b.bytes; });
+    std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    entries.resize(names.size());
+    for (size_t i = 0; i < names.size(); ++i) {
+        entries[i].bytes = std::move(names[i].first);
+        entries[i].type = names[i].second;
+    }
 }
 
 } // namespace
@@ -335,5 +338,5 @@ void WalkAhead::workOut(const Folder& folder, Entry& e) const {
     e.pathOpensIt = again.size() == folder.bytes.size() + e.bytes.size() && again.startsWith(folder.bytes) &&
                     again.endsWith(e.bytes);
     if (e.pathOpensIt)
-        e.cut = CutFileName(e.path, m_convention);
+        e.cut = CutFileName(e.path, m_convention, again);
 }

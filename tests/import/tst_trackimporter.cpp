@@ -212,6 +212,75 @@ private slots:
     // same counts, the same commits (a duplicate as the 3000th does not
     // commit), and a refused row stops the run at its own file, with every
     // row before it in.
+    // A piece's value in UTF-8, made on the short way where it can be, is the
+    // cleaned text's.
+    void cleanPieceInUtf8_data() {
+        QTest::addColumn<QString>("piece");
+        QTest::addColumn<QString>("value");
+        const auto row = [](const char* tag, const QString& piece, const char* value) {
+            QTest::newRow(tag) << piece << QString::fromUtf8(value);
+        };
+        row("plain", QStringLiteral("Artist"), "Artist");
+        row("blanks around", QStringLiteral("  Artist  "), "Artist");
+        row("leading underscore", QStringLiteral("_Artist"), "Artist");
+        row("underscore then blank", QStringLiteral("_ Artist"), "Artist");
+        row("inner underscores", QStringLiteral("An_Artist"), "An Artist");
+        row("extension at the end", QStringLiteral("Title.mp3"), "Title");
+        row("extension in capitals", QStringLiteral("Title .MP3"), "Title");
+        row("two extensions", QStringLiteral("Title.mp3.zip"), "Title");
+        row("extension inside", QStringLiteral("A.Mp3B"), "AB");
+        row("other extension", QStringLiteral("Title.ogg"), "Title.ogg");
+        row("dot of no extension", QStringLiteral("Mr. Big"), "Mr. Big");
+        row("short of an extension", QStringLiteral("Title.mp"), "Title.mp");
+        row("only an extension", QStringLiteral(".zip"), "");
+        row("NUL ends it", QStringLiteral("Ti") + QChar(0) + QStringLiteral("tle.mp3"), "Ti");
+        row("accents", QStringLiteral("Beyoncé Knowles.cdg"), "Beyoncé Knowles");
+        row("apostrophe kept single", QStringLiteral("Don't.zip"), "Don't");
+    }
+    void cleanPieceInUtf8() {
+        QFETCH(QString, piece);
+        QFETCH(QString, value);
+        QCOMPARE(CleanNamePart(piece), value);
+        QCOMPARE(CleanNamePartUtf8(piece), value.toUtf8());
+    }
+
+    // The rows go in with the catalogue's Yes/No trigger off, which must be on
+    // again whenever anything else may write: at the caller's pump, and once
+    // the grouping ends. A Yes/No column set to 1 then reads -1.
+    void yesNoTriggerOnBetweenGroups_data() {
+        QTest::addColumn<bool>("callersPump");
+        QTest::newRow("caller's pump") << true;
+        QTest::newRow("looks now and then") << false;
+    }
+    void yesNoTriggerOnBetweenGroups() {
+        QFETCH(bool, callersPump);
+        const auto setErrorOfFirst = [] {
+            ExecuteSql(QStringLiteral("UPDATE tblKaraokeTracks SET Error = 1 WHERE TrackName = 'T1'"));
+            QSqlQuery q =
+                ExecuteSql(QStringLiteral("SELECT Error FROM tblKaraokeTracks WHERE TrackName = 'T1'"));
+            return q.next() ? q.value(0).toInt() : 0;
+        };
+        TrackImporter grouped;
+        grouped.ConventionNumber = 1;
+        int pumps = 0;
+        int wrongAtPump = 0;
+        if (callersPump)
+            grouped.setEventPump([&] {
+                ++pumps;
+                if (setErrorOfFirst() != -1)
+                    ++wrongAtPump;
+            });
+        grouped.setGrouping(true);
+        for (int i = 1; i <= 60; ++i)
+            grouped.AddToImportDatabase(QStringLiteral("/c/A - T%1.zip").arg(i), i % 2 == 0);
+        grouped.setGrouping(false);
+        QCOMPARE(pumps, callersPump ? 60 : 0);
+        QCOMPARE(wrongAtPump, 0);
+        QCOMPARE(setErrorOfFirst(), -1);
+        QCOMPARE(rowsWithPath(QStringLiteral("/c/A - T2.zip")), QStringList{"A|T2|||A - T2.zip|-1"});
+        QCOMPARE(int(trackCount()), 60);
+    }
+
     void groupedRowsAsOneByOne_data() {
         QTest::addColumn<int>("rows");
         QTest::addColumn<int>("duplicateAt");
