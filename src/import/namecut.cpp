@@ -3,8 +3,8 @@
 #include "core/kverror.h"
 #include "importtext.h"
 
-#include <QList>
 #include <QStringView>
+#include <QVarLengthArray>
 
 #include <optional>
 #include <span>
@@ -84,6 +84,18 @@ QStringView withoutExtension(QStringView name) {
     return name.chopped(4);
 }
 
+// A name's pieces, as views into it: a name has few.
+using Pieces = QVarLengthArray<QStringView, 8>;
+
+// Cuts `text` at every `separator`, empty pieces kept (as QStringView::split
+// does, into a list that needs no heap for a name).
+void cutAt(QStringView text, QStringView separator, Pieces& out) {
+    qsizetype from = 0;
+    for (qsizetype at; (at = text.indexOf(separator, from)) >= 0; from = at + separator.size())
+        out.push_back(text.sliced(from, at - from));
+    out.push_back(text.sliced(from));
+}
+
 // The working values of one file while its name is cut, in UTF-8 as the
 // catalogue stores them.
 class Cut {
@@ -91,15 +103,21 @@ public:
     Cut(const QString& path, const QByteArray& pathUtf8) : m_pathUtf8(pathUtf8) {
         const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
         m_name = QStringView(path).sliced(slash + 1);
-        m_working = m_name.toString();
-        m_working.replace(QLatin1Char('_'), QLatin1Char(' '));
-        m_pieces = QStringView(m_working).split(QStringLiteral(" - "));
+        // Underscores stand for blanks; most names have none, and are cut
+        // where they are.
+        m_working = m_name;
+        if (m_name.contains(QLatin1Char('_'))) {
+            m_workingCopy = m_name.toString();
+            m_workingCopy.replace(QLatin1Char('_'), QLatin1Char(' '));
+            m_working = m_workingCopy;
+        }
+        cutAt(m_working, u" - ", m_pieces);
     }
 
     QByteArray TrackName, ArtistName, DiscName, TrackNo;
     int MissingPieces = 0;
 
-    const QString& working() const { return m_working; }
+    QString working() const { return m_working.toString(); }
 
     // The name as it stands, its bytes those of the path after its last "/".
     QByteArray fileName() const { return m_pathUtf8.sliced(m_pathUtf8.lastIndexOf('/') + 1); }
@@ -171,7 +189,9 @@ private:
         case Op::Split: {
             // An empty piece cuts into no sub-pieces at all.
             const QStringView p = pieceAt(op.a);
-            m_subs = p.isEmpty() ? QList<QStringView>() : p.split(QLatin1Char('-'));
+            m_subs.clear();
+            if (!p.isEmpty())
+                cutAt(p, u"-", m_subs);
             break;
         }
         }
@@ -204,9 +224,10 @@ private:
 
     const QByteArray& m_pathUtf8;
     QStringView m_name;
-    QString m_working;
-    QList<QStringView> m_pieces;
-    QList<QStringView> m_subs;
+    QStringView m_working;
+    QString m_workingCopy;
+    Pieces m_pieces;
+    Pieces m_subs;
 };
 
 } // namespace

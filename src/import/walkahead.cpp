@@ -40,6 +40,10 @@ void readEntries(DIR* dir, std::vector<WalkAhead::Entry>& entries, int& readErro
     }
 }
 
+bool isAscii(const QByteArray& bytes) {
+    return std::all_of(bytes.cbegin(), bytes.cend(), [](char c) { return quint8(c) < 0x80; });
+}
+
 } // namespace
 
 bool IsFolderEntry(const QByteArray& path, unsigned char type) {
@@ -55,6 +59,13 @@ class WalkAhead::Folder {
 public:
     QString text;
     QByteArray bytes;
+    // Whether the text encodes to the bytes again (a folder whose name is not
+    // UTF-8 has a text that opens nothing); worked out once asked.
+    bool textOpensIt() const {
+        if (m_textOpensIt < 0)
+            m_textOpensIt = QFile::encodeName(text) == bytes ? 1 : 0;
+        return m_textOpensIt == 1;
+    }
     // As the helper found it: the error that kept it from being opened, the
     // folder's identity, and whether the walk had been there already.
     int openError = 0;
@@ -73,6 +84,9 @@ public:
     size_t taken = 0;
     // Read by the walk itself: its entries are worked out as they are taken.
     bool local = false;
+
+private:
+    mutable int m_textOpensIt = -1;
 };
 
 namespace {
@@ -334,9 +348,8 @@ void WalkAhead::workOut(const Folder& folder, Entry& e) const {
         return;
     e.path = folder.text + e.name;
     // A name that is not UTF-8 decodes to a text that encodes to other bytes.
-    const QByteArray again = QFile::encodeName(e.path);
-    e.pathOpensIt = again.size() == folder.bytes.size() + e.bytes.size() && again.startsWith(folder.bytes) &&
-                    again.endsWith(e.bytes);
+    // The folder's text was checked once; a name in ASCII is UTF-8 as it is.
+    e.pathOpensIt = folder.textOpensIt() && (isAscii(e.bytes) || QFile::encodeName(e.name) == e.bytes);
     if (e.pathOpensIt)
-        e.cut = CutFileName(e.path, m_convention, again);
+        e.cut = CutFileName(e.path, m_convention, folder.bytes + e.bytes);
 }
