@@ -126,11 +126,19 @@ void foldText(const unsigned char* p, int bytes, bool accentBlind, std::vector<c
 void foldTextUtf8(const unsigned char* p, int bytes, bool accentBlind, std::string& out) {
     const unsigned char* end = p + bytes;
     while (p < end) {
-        if (*p < 0x80) { // the common case, without a call per letter
-            const unsigned char b = *p++;
-            out.push_back(char((b >= 'A' && b <= 'Z') ? b + 32 : b));
-            continue;
+        // The common case: a run of ASCII, made small in one go.
+        const unsigned char* run = p;
+        while (p < end && *p < 0x80)
+            ++p;
+        if (p > run) {
+            const size_t at = out.size();
+            out.resize(at + size_t(p - run));
+            char* o = out.data() + at;
+            for (const unsigned char* q = run; q < p; ++q)
+                *o++ = char((*q >= 'A' && *q <= 'Z') ? *q + 32 : *q);
         }
+        if (p == end)
+            break;
         const char32_t c = fold(nextCodePoint(p, end), accentBlind);
         if (c != kDropped)
             appendUtf8(c, out);

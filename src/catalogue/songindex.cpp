@@ -78,9 +78,12 @@ constexpr uint32_t kNoArtist = 0xFFFFFFFFu;
 // The artist in the form the column's NOCASE collation compares: ASCII
 // capitals made small, every other byte as it is.
 void appendNoCase(const unsigned char* p, int bytes, std::string& out) {
+    const size_t at = out.size();
+    out.resize(at + size_t(bytes));
+    char* o = out.data() + at;
     for (int i = 0; i < bytes; ++i) {
         const unsigned char b = p[i];
-        out.push_back(char((b >= 'A' && b <= 'Z') ? b + 32 : b));
+        o[i] = char((b >= 'A' && b <= 'Z') ? b + 32 : b);
     }
 }
 
@@ -123,13 +126,66 @@ struct Scan {
     std::vector<ScannedRow> rows;
     std::string artists;
     std::string names;
+    // The rows in the statement's order, once sorted.
+    std::vector<uint32_t> order;
     Outcome outcome = Read;
     QString error;
 };
 
+// "Order By ArtistName": the column's NOCASE collation (the artists are
+// folded so already), NULL first.
+struct ByArtist {
+    const std::vector<ScannedRow>& rows;
+    std::string_view artists;
+    bool operator()(uint32_t a, uint32_t b) const {
+        const ScannedRow& x = rows[a];
+        const ScannedRow& y = rows[b];
+        if (x.artistAt == kNoArtist || y.artistAt == kNoArtist)
+            return x.artistAt == kNoArtist && y.artistAt != kNoArtist;
+        return artists.substr(x.artistAt, x.artistLength) < artists.substr(y.artistAt, y.artistLength);
+    }
+};
+
+// Sorts a scan's rows into the statement's order, leaving rows of equal
+// artists in the order the table gave them.
+void sortScan(Scan& scan) {
+    if (scan.outcome != Scan::Read)
+        return;
+    scan.order.resize(scan.rows.size());
+    for (size_t i = 0; i < scan.order.size(); ++i)
+        scan.order[i] = uint32_t(i);
+    std::stable_sort(scan.order.begin(), scan.order.end(), ByArtist{scan.rows, scan.artists});
+}
+
+// Makes room in the scan for the rows still to come, judged by the ids the
+// rows so far took up of the stretch that ends at `lastId`: the blocks then
+// grow once, instead of by doubling, each new block copied and its pages
+// fresh from the system.
+void makeRoom(Scan& out, qint64 firstId, qint64 idNow, qint64 lastId) {
+    const double rows = double(out.rows.size());
+    const double span = double(lastId - firstId) + 1;
+    const double seen = double(idNow - firstId) + 1;
+    if (seen <= 0 || span <= seen)
+        return;
+    // Ids close together at first and far apart later would promise too
+    // much: the room stops at a few million rows, and is only asked for.
+    constexpr double kMostRowsAhead = 4'000'000;
+    const double expected = std::min({span, rows * span / seen, kMostRowsAhead}) * 1.05;
+    try {
+        out.rows.reserve(size_t(expected));
+        out.artists.reserve(size_t(double(out.artists.size()) / rows * expected));
+        out.names.reserve(size_t(double(out.names.size()) / rows * expected));
+    } catch (const std::exception&) {
+        // The blocks grow as they need after all.
+    }
+}
+
 // Reads the songs whose ids lie in [from, to], in the table's own order.
-void scanRows(sqlite3* db, qint64 from, qint64 to, bool accentBlind, const std::atomic<bool>* stop,
-              Scan& out) {
+// `lastId`, when known, is the highest id there is.
+void scanRows(sqlite3* db, qint64 from, qint64 to, bool accentBlind, const std::atomic<bool>* stop, Scan& out,
+              qint64 lastId = 0) {
+    constexpr size_t kRowsBeforeRoom = 1024;
+    qint64 firstId = 0;
     sqlite3_stmt* stmt = nullptr;
     auto fail = [&](Scan::Outcome outcome, const QString& why) {
         out.outcome = outcome;
@@ -163,7 +219,11 @@ void scanRows(sqlite3* db, qint64 from, qint64 to, bool accentBlind, const std::
         r.nameLength = uint32_t(out.names.size() - r.nameAt);
         if (out.names.size() + out.rows.size() > kMostBytes || out.artists.size() > kMostBytes)
             return fail(Scan::Failed, QStringLiteral("the catalogue's names are too many to hold"));
+        if (out.rows.empty())
+            firstId = r.id;
         out.rows.push_back(r);
+        if (out.rows.size() == kRowsBeforeRoom && lastId > 0)
+            makeRoom(out, firstId, r.id, std::min(to, lastId));
     }
     if (rc != SQLITE_DONE)
         return fail(Scan::Failed, QString::fromUtf8(sqlite3_errmsg(db)));
@@ -172,8 +232,8 @@ void scanRows(sqlite3* db, qint64 from, qint64 to, bool accentBlind, const std::
 
 // Reads the songs from `from` on through a connection of its own, in a read
 // transaction of its own.
-void scanOnOwnConnection(const QByteArray& path, qint64 from, bool accentBlind, const std::atomic<bool>* stop,
-                         Scan& out) {
+void scanOnOwnConnection(const QByteArray& path, qint64 from, qint64 lastId, bool accentBlind,
+                         const std::atomic<bool>* stop, Scan& out) {
     sqlite3* db = nullptr;
     if (sqlite3_open_v2(path.constData(), &db, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr) !=
         SQLITE_OK) {
@@ -184,12 +244,16 @@ void scanOnOwnConnection(const QByteArray& path, qint64 from, bool accentBlind, 
     }
     sqlite3_busy_timeout(db, 2000);
     sqlite3_exec(db, "PRAGMA cache_size = -8192", nullptr, nullptr, nullptr);
-    scanRows(db, from, std::numeric_limits<qint64>::max(), accentBlind, stop, out);
+    scanRows(db, from, std::numeric_limits<qint64>::max(), accentBlind, stop, out, lastId);
     sqlite3_close(db);
+    sortScan(out);
 }
 
-// Appends `more` to `into`, its rows pointing into the joined texts.
+// Appends the sorted `more` (rows of higher ids) to the sorted `into`, its
+// rows pointing into the joined texts, and merges the two orders: of equal
+// artists, `into`'s rows come first, as the table gave them.
 void join(Scan& into, Scan&& more) {
+    const auto rowShift = uint32_t(into.rows.size());
     const auto artistShift = uint32_t(into.artists.size());
     const auto nameShift = uint32_t(into.names.size());
     into.rows.reserve(into.rows.size() + more.rows.size());
@@ -201,6 +265,12 @@ void join(Scan& into, Scan&& more) {
     }
     into.artists += more.artists;
     into.names += more.names;
+    for (uint32_t& i : more.order)
+        i += rowShift;
+    std::vector<uint32_t> merged(into.order.size() + more.order.size());
+    std::merge(into.order.begin(), into.order.end(), more.order.begin(), more.order.end(), merged.begin(),
+               ByArtist{into.rows, into.artists});
+    into.order = std::move(merged);
 }
 
 // A catalogue whose ids span less than this is read in one piece.
@@ -244,16 +314,20 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
     if (highest - lowest >= kSplitFrom) {
         const qint64 middle = lowest + (highest - lowest) / 2;
         Scan upper;
-        std::thread helper(scanOnOwnConnection, QByteArray(file), middle + 1, accentBlind, stop,
+        std::thread helper(scanOnOwnConnection, QByteArray(file), middle + 1, highest, accentBlind, stop,
                            std::ref(upper));
-        scanRows(db, std::numeric_limits<qint64>::min(), middle, accentBlind, stop, scan);
+        scanRows(db, std::numeric_limits<qint64>::min(), middle, accentBlind, stop, scan, highest);
+        sortScan(scan);
         helper.join();
         if (upper.outcome == Scan::Failed) {
             // The second connection could not read: the upper half is read
             // here after all.
             upper = Scan();
-            if (scan.outcome == Scan::Read)
-                scanRows(db, middle + 1, std::numeric_limits<qint64>::max(), accentBlind, stop, upper);
+            if (scan.outcome == Scan::Read) {
+                scanRows(db, middle + 1, std::numeric_limits<qint64>::max(), accentBlind, stop, upper,
+                         highest);
+                sortScan(upper);
+            }
         }
         if (scan.outcome == Scan::Read && upper.outcome != Scan::Read)
             scan = std::move(upper);
@@ -262,6 +336,7 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
     } else {
         scanRows(db, std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max(), accentBlind,
                  stop, scan);
+        sortScan(scan);
     }
     if (scan.outcome == Scan::NotText)
         return buildInStatementOrder(db, accentBlind, stop, error);
@@ -270,21 +345,8 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
     if (scan.names.size() + scan.rows.size() > kMostBytes || scan.artists.size() > kMostBytes)
         return fail(QStringLiteral("the catalogue's names are too many to hold"));
     const std::vector<ScannedRow>& rows = scan.rows;
-    const std::string& artists = scan.artists;
     const std::string& names = scan.names;
-
-    std::vector<uint32_t> order(rows.size());
-    for (size_t i = 0; i < order.size(); ++i)
-        order[i] = uint32_t(i);
-    const std::string_view artistBlock(artists);
-    std::stable_sort(order.begin(), order.end(), [&](uint32_t a, uint32_t b) {
-        const ScannedRow& x = rows[a];
-        const ScannedRow& y = rows[b];
-        if (x.artistAt == kNoArtist || y.artistAt == kNoArtist)
-            return x.artistAt == kNoArtist && y.artistAt != kNoArtist;
-        return artistBlock.substr(x.artistAt, x.artistLength) <
-               artistBlock.substr(y.artistAt, y.artistLength);
-    });
+    const std::vector<uint32_t>& order = scan.order;
     if (stop && stop->load(std::memory_order_relaxed))
         return fail(QStringLiteral("stopped"));
 

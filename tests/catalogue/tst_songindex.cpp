@@ -70,6 +70,21 @@ class TestSongIndex : public QObject {
         }
     }
 
+    // The index read in two halves is the one read at once, and holds `songs` rows.
+    void compareReadInTwo(qsizetype songs) {
+        sqlite3* db = NativeHandle(dbConnection());
+        const auto once = SongIndex::build(db, false);
+        const auto inTwo = SongIndex::build(db, false, nullptr, nullptr, true);
+        QVERIFY(once && inTwo);
+        QCOMPARE(inTwo->size(), songs);
+        QCOMPARE(inTwo->size(), once->size());
+        for (qsizetype row = 0; row < once->size(); ++row) {
+            QCOMPARE(inTwo->id(row), once->id(row));
+            QCOMPARE(inTwo->text(row), once->text(row));
+            QCOMPARE(inTwo->searchable(row), once->searchable(row));
+        }
+    }
+
 private slots:
     void init() {
         m_ws = std::make_unique<TestWorkspace>();
@@ -179,17 +194,27 @@ private slots:
                                              "Where KaraokeTrackID = 1000000 - %1 * %2")
                                   .arg(blobAt)
                                   .arg(idStep)));
-        sqlite3* db = NativeHandle(dbConnection());
-        const auto once = SongIndex::build(db, false);
-        const auto inTwo = SongIndex::build(db, false, nullptr, nullptr, true);
-        QVERIFY(once && inTwo);
-        QCOMPARE(inTwo->size(), kSongs.size());
-        QCOMPARE(inTwo->size(), once->size());
-        for (qsizetype row = 0; row < once->size(); ++row) {
-            QCOMPARE(inTwo->id(row), once->id(row));
-            QCOMPARE(inTwo->text(row), once->text(row));
-            QCOMPARE(inTwo->searchable(row), once->searchable(row));
+        compareReadInTwo(kSongs.size());
+    }
+
+    // A read makes room for the rows its ids promise: ids close together and
+    // then one far off promise far too many, and the read is whole all the same.
+    void manyRowsThenOneFarId() {
+        QSqlQuery q(dbConnection());
+        q.prepare(QStringLiteral(
+            "Insert Into tblKaraokeTracks (ArtistName, FileName, TrackPath) Values (?, ?, ?)"));
+        constexpr int kMore = 3000;
+        for (int i = 0; i < kMore; ++i) {
+            q.bindValue(0, QStringLiteral("Artist %1").arg(i % 97));
+            q.bindValue(1, QStringLiteral("Song %1.zip").arg(i));
+            q.bindValue(2, QStringLiteral("/more/%1").arg(i));
+            QVERIFY2(q.exec(), qPrintable(q.lastError().text()));
         }
+        QVERIFY(QSqlQuery(dbConnection())
+                    .exec(QStringLiteral("Update tblKaraokeTracks Set KaraokeTrackID = 1000000000000000 "
+                                         "Where KaraokeTrackID = (Select max(KaraokeTrackID) From "
+                                         "tblKaraokeTracks)")));
+        compareReadInTwo(kSongs.size() + kMore);
     }
 
     // The list's own edits and removals on the whole-catalogue list, down to
