@@ -4,7 +4,7 @@
 
 bool EventLookDue() {
     static QElapsedTimer lastLook;
-    constexpr qint64 kLookEveryNs = 4'000'000;
+    constexpr qint64 kLookEveryNs = 10'000'000;
     if (lastLook.isValid() && lastLook.nsecsElapsed() < kLookEveryNs)
         return false;
     lastLook.start();

@@ -100,7 +100,7 @@ void cutAt(QStringView text, QStringView separator, Pieces& out) {
 // catalogue stores them.
 class Cut {
 public:
-    Cut(const QString& path, const QByteArray& pathUtf8) : m_pathUtf8(pathUtf8) {
+    Cut(const QString& path, QByteArrayView pathUtf8) : m_pathUtf8(pathUtf8) {
         const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
         m_name = QStringView(path).sliced(slash + 1);
         // Underscores stand for blanks; most names have none, and are cut
@@ -120,7 +120,7 @@ public:
     QString working() const { return m_working.toString(); }
 
     // The name as it stands, its bytes those of the path after its last "/".
-    QByteArray fileName() const { return m_pathUtf8.sliced(m_pathUtf8.lastIndexOf('/') + 1); }
+    QByteArrayView fileName() const { return m_pathUtf8.sliced(m_pathUtf8.lastIndexOf('/') + 1); }
 
     void run(int convention) {
         if (convention == kAllInOne) {
@@ -200,7 +200,7 @@ private:
     // The title given by the name as a whole keeps its apostrophes doubled,
     // as the catalogue has always stored it.
     QByteArray fileNameAsTitle() const {
-        QByteArray title = fileName();
+        QByteArray title = fileName().toByteArray();
         if (title.contains('\''))
             title.replace("'", "''");
         return title;
@@ -222,7 +222,7 @@ private:
         ++MissingPieces;
     }
 
-    const QByteArray& m_pathUtf8;
+    QByteArrayView m_pathUtf8;
     QStringView m_name;
     QStringView m_working;
     QString m_workingCopy;
@@ -232,17 +232,41 @@ private:
 
 } // namespace
 
-NameCut CutFileName(const QString& path, int convention, QByteArray pathUtf8) {
+NameCut::Values NameCut::values() const {
+    Values out;
+    for (int v = 0; v < int(out.size()); ++v)
+        out[size_t(v)] = value(v);
+    return out;
+}
+
+void NameCut::setValues(const Values& values) {
+    qsizetype bytes = 0;
+    for (const QByteArrayView v : values)
+        bytes += v.size();
+    m_text.clear();
+    m_text.reserve(size_t(bytes));
+    for (size_t v = 0; v < values.size(); ++v) {
+        m_bounds[v] = quint32(m_text.size());
+        m_text.append(values[v].data(), size_t(values[v].size()));
+    }
+    m_bounds[values.size()] = quint32(m_text.size());
+}
+
+NameCut CutFileName(const QString& path, int convention, QByteArrayView pathUtf8) {
     NameCut out;
     out.convention = convention;
-    if (pathUtf8.isNull())
-        pathUtf8 = path.toUtf8();
+    // The path's UTF-8, made here when the caller had none.
+    QByteArray made;
+    if (pathUtf8.isNull()) {
+        made = path.toUtf8();
+        pathUtf8 = made;
+    }
     std::optional<Cut> cut;
     try {
         cut.emplace(path, pathUtf8);
         cut->run(convention);
-        out.values = {cut->TrackName, cut->ArtistName, cut->DiscName,
-                      cut->TrackNo,   cut->fileName(), pathUtf8};
+        out.setValues(
+            {cut->TrackName, cut->ArtistName, cut->DiscName, cut->TrackNo, cut->fileName(), pathUtf8});
     } catch (...) {
         out.failure = std::current_exception();
     }

@@ -40,7 +40,7 @@ public:
     // Inserts one row. Returns 0, kAlreadyThere for a path the catalogue
     // holds already, or SQLite's extended error code with its text in `failure`.
     static constexpr qint32 kAlreadyThere = -1;
-    qint32 run(const std::array<QByteArray, 6>& values, bool kamikaze, QString& failure) {
+    qint32 run(const NameCut::Values& values, bool kamikaze, QString& failure) {
         if (m_generation != ConnectionGeneration()) {
             // The connection was closed and opened again: the old statement
             // went with it.
@@ -66,7 +66,7 @@ public:
                 -1, &m_stmt, nullptr);
         if (rc == SQLITE_OK) {
             for (int i = 0; i < 6; ++i)
-                sqlite3_bind_text(m_stmt, i + 1, values[size_t(i)].constData(), int(values[size_t(i)].size()),
+                sqlite3_bind_text(m_stmt, i + 1, values[size_t(i)].data(), int(values[size_t(i)].size()),
                                   SQLITE_STATIC);
             sqlite3_bind_int(m_stmt, 7, kamikaze ? -1 : 0);
             rc = sqlite3_step(m_stmt);
@@ -196,8 +196,8 @@ void TrackImporter::queueRow(const NameCut& cut, bool kamikaze) {
     }
     m_group->triggersOff();
     ++m_group->waiting;
-    for (const QByteArray& value : cut.values)
-        m_group->rows.add(QByteArrayView(value));
+    for (const QByteArrayView value : cut.values())
+        m_group->rows.add(value);
     m_group->rows.add(qint64(kamikaze ? -1 : 0));
     if (!m_group->rows.endRow())
         groupFailed();
@@ -250,9 +250,9 @@ void TrackImporter::groupFailed() {
     if (!db || sqlite3_get_autocommit(db))
         return stopAt(code, refused.error(), pathOf(0));
     for (int row = 0; row < refused.refusedRows(); ++row) {
-        std::array<QByteArray, 6> values;
+        NameCut::Values values;
         for (int column = 0; column < 6; ++column)
-            values[size_t(column)] = refused.refusedText(row, column).toByteArray();
+            values[size_t(column)] = refused.refusedText(row, column);
         QString failure;
         qint32 result = 0;
         try {
@@ -310,7 +310,7 @@ void TrackImporter::AddToImportDatabase(const QString& path, const NameCut& cutA
         if (!m_insert)
             m_insert = std::make_unique<Insert>();
         QString failureText;
-        if (const qint32 failure = m_insert->run(cut.values, kamikaze, failureText); failure != 0) {
+        if (const qint32 failure = m_insert->run(cut.values(), kamikaze, failureText); failure != 0) {
             if (failure != Insert::kAlreadyThere)
                 throw KvError(failure, failureText, kSource);
             // The catalogue has this file already: counted, left as it is.

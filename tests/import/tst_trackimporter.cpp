@@ -125,6 +125,12 @@ private slots:
         QFETCH(QString, fields);
         QFETCH(int, questions);
         QCOMPARE(rowsWithPath(path), QStringList{fields + '|' + name + "|0"});
+        // A value the name does not give is empty text, never NULL.
+        QSqlQuery nulls =
+            ExecuteSql(QStringLiteral("SELECT count(*) FROM tblKaraokeTracks WHERE ArtistName IS NULL "
+                                      "OR TrackName IS NULL OR DiscName IS NULL OR TrackNo IS NULL"));
+        QVERIFY(nulls.next());
+        QCOMPARE(nulls.value(0).toInt(), 0);
         QCOMPARE(importErrorQuestions(), questions);
         QCOMPARE(m_importer.ProcessedCount, questions + 1); // each question counts the file once more
         QCOMPARE(importSession().NewTrackCount, 1);

@@ -19,9 +19,16 @@ constexpr int kConvention = 2;
 struct Met {
     QString path;
     bool song = false;
-    std::array<QByteArray, 6> values;
+    QByteArrayList values;
     bool operator==(const Met&) const = default;
 };
+
+QByteArrayList valuesOf(const NameCut& cut) {
+    QByteArrayList out;
+    for (const QByteArrayView v : cut.values())
+        out << v.toByteArray();
+    return out;
+}
 
 using Visited = std::set<std::pair<quint64, quint64>>;
 
@@ -52,7 +59,7 @@ void walkWith(WalkAhead& ahead, const QString& folder, const QByteArray& bytes, 
             continue;
         }
         QCOMPARE(e.pathOpensIt, e.song);
-        met << Met{folder + e.name, e.song, e.cut.values};
+        met << Met{folder + e.name, e.song, e.song ? valuesOf(e.cut) : QByteArrayList()};
     }
     ahead.done(listing);
 }
@@ -75,7 +82,7 @@ void expectedWalk(const QString& folder, std::set<QString>& folders, QList<Met>&
         }
         Met m{path, matcher.matches(name), {}};
         if (m.song)
-            m.values = CutFileName(path, kConvention).values;
+            m.values = valuesOf(CutFileName(path, kConvention));
         met << m;
     }
 }
