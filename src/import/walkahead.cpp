@@ -57,15 +57,14 @@ bool IsFolderEntry(const QByteArray& path, unsigned char type) {
 
 class WalkAhead::Folder {
 public:
-    QString text;
-    QByteArray bytes;
-    // Whether the text encodes to the bytes again (a folder whose name is not
-    // UTF-8 has a text that opens nothing); worked out once asked.
-    bool textOpensIt() const {
-        if (m_textOpensIt < 0)
-            m_textOpensIt = QFile::encodeName(text) == bytes ? 1 : 0;
-        return m_textOpensIt == 1;
-    }
+    Folder(const QString& text, const QByteArray& bytes)
+        : text(text), bytes(bytes), textOpensIt(QFile::encodeName(text) == bytes) {}
+
+    const QString text;
+    const QByteArray bytes;
+    // Whether the text encodes to the bytes again: a folder whose name is not
+    // UTF-8 has a text that opens nothing.
+    const bool textOpensIt;
     // As the helper found it: the error that kept it from being opened, the
     // folder's identity, and whether the walk had been there already.
     int openError = 0;
@@ -84,9 +83,6 @@ public:
     size_t taken = 0;
     // Read by the walk itself: its entries are worked out as they are taken.
     bool local = false;
-
-private:
-    mutable int m_textOpensIt = -1;
 };
 
 namespace {
@@ -159,9 +155,7 @@ void WalkAhead::freeRetired(std::unique_lock<std::mutex>& lock) {
 // walk's order, going into each folder among them as the walk will. False
 // once the helper is to stop.
 bool WalkAhead::visit(const QString& folder, const QByteArray& folderBytes, std::set<FolderId>& visited) {
-    auto f = std::make_shared<Folder>();
-    f->text = folder;
-    f->bytes = folderBytes;
+    auto f = std::make_shared<Folder>(folder, folderBytes);
     if (DIR* dir = ::opendir(folderBytes.constData())) {
         // The folder is known by its identity, and when it last changed,
         // once it is read: the walk finds it so, or reads it again.
@@ -281,9 +275,7 @@ std::shared_ptr<WalkAhead::Folder> WalkAhead::open(const QString& folder, const 
     }
     if (!dir)
         return nullptr;
-    auto f = std::make_shared<Folder>();
-    f->text = folder;
-    f->bytes = folderBytes;
+    auto f = std::make_shared<Folder>(folder, folderBytes);
     f->local = true;
     if (!seen)
         readEntries(dir, f->entries, f->readError);
@@ -349,7 +341,7 @@ void WalkAhead::workOut(const Folder& folder, Entry& e) const {
     e.path = folder.text + e.name;
     // A name that is not UTF-8 decodes to a text that encodes to other bytes.
     // The folder's text was checked once; a name in ASCII is UTF-8 as it is.
-    e.pathOpensIt = folder.textOpensIt() && (isAscii(e.bytes) || QFile::encodeName(e.name) == e.bytes);
+    e.pathOpensIt = folder.textOpensIt && (isAscii(e.bytes) || QFile::encodeName(e.name) == e.bytes);
     if (e.pathOpensIt)
         e.cut = CutFileName(e.path, m_convention, folder.bytes + e.bytes);
 }
