@@ -221,7 +221,8 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
     ::closedir(dir);
     const auto finished = qScopeGuard([&] { m_ahead->done(listing); });
 
-    QByteArray childBytes;
+    // One buffer for the entries' paths: the folder's part stays, the name changes.
+    QByteArray childBytes = folderBytes;
     for (size_t i = 0; i < WalkAhead::size(*listing); ++i) {
         if (CancelRequested) {
             m_importer.ProcessedCount = 0;
@@ -230,7 +231,7 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
         if (stopped())
             break;
         WalkAhead::Entry& entry = m_ahead->take(*listing, i);
-        childBytes = folderBytes;
+        childBytes.truncate(folderBytes.size());
         childBytes += entry.bytes;
         const bool isFolder = IsFolderEntry(childBytes, entry.type);
         m_ahead->settle(*listing, entry, isFolder);

@@ -187,12 +187,13 @@ bool WalkAhead::visit(const QString& folder, const QByteArray& folderBytes, std:
     }
     m_walkWaiting.notify_all();
 
-    QByteArray child;
+    // One buffer for the entries' paths: the folder's part stays, the name changes.
+    QByteArray child = folderBytes;
     for (size_t i = 0; i < f->entries.size(); ++i) {
         if (!waitForRoom())
             return false;
         Entry& e = f->entries[i];
-        child = folderBytes;
+        child.truncate(folderBytes.size());
         child += e.bytes;
         if (IsFolderEntry(child, e.type)) {
             e.name = QFile::decodeName(e.bytes);
@@ -202,7 +203,7 @@ bool WalkAhead::visit(const QString& folder, const QByteArray& folderBytes, std:
             if (!visit(folder + e.name + QLatin1Char('/'), child, visited))
                 return false;
         } else {
-            workOut(*f, e);
+            workOut(*f, e, child);
             publish(*f, i + 1);
         }
     }
@@ -329,7 +330,7 @@ void WalkAhead::settle(Folder& folder, Entry& e, bool asFolder) {
         workOut(folder, e);
 }
 
-void WalkAhead::workOut(const Folder& folder, Entry& e) const {
+void WalkAhead::workOut(const Folder& folder, Entry& e, QByteArrayView pathBytes) const {
     if (e.worked)
         return;
     e.worked = true;
@@ -342,6 +343,12 @@ void WalkAhead::workOut(const Folder& folder, Entry& e) const {
     // A name that is not UTF-8 decodes to a text that encodes to other bytes.
     // The folder's text was checked once; a name in ASCII is UTF-8 as it is.
     e.pathOpensIt = folder.textOpensIt && (isAscii(e.bytes) || QFile::encodeName(e.name) == e.bytes);
-    if (e.pathOpensIt)
-        e.cut = CutFileName(e.path, m_convention, folder.bytes + e.bytes);
+    if (!e.pathOpensIt)
+        return;
+    QByteArray joined;
+    if (pathBytes.isNull()) {
+        joined = folder.bytes + e.bytes;
+        pathBytes = joined;
+    }
+    e.cut = CutFileName(e.path, m_convention, pathBytes);
 }

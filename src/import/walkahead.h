@@ -4,6 +4,7 @@
 #include "namecut.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 #include <atomic>
@@ -95,7 +96,8 @@ private:
     void stopHelper();
     size_t workedAhead() const;
     void freeRetired(std::unique_lock<std::mutex>& lock);
-    void workOut(const Folder& folder, Entry& e) const;
+    // `pathBytes`, when the caller has them, are the folder's bytes and the entry's.
+    void workOut(const Folder& folder, Entry& e, QByteArrayView pathBytes = {}) const;
 
     const QString m_root;
     const QByteArray m_rootBytes;
