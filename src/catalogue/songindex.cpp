@@ -134,17 +134,12 @@ struct Scan {
 
 // "Order By ArtistName": the column's NOCASE collation (the artists are
 // folded so already), NULL first.
-struct ByArtist {
-    const std::vector<ScannedRow>& rows;
-    std::string_view artists;
-    bool operator()(uint32_t a, uint32_t b) const {
-        const ScannedRow& x = rows[a];
-        const ScannedRow& y = rows[b];
-        if (x.artistAt == kNoArtist || y.artistAt == kNoArtist)
-            return x.artistAt == kNoArtist && y.artistAt != kNoArtist;
-        return artists.substr(x.artistAt, x.artistLength) < artists.substr(y.artistAt, y.artistLength);
-    }
-};
+bool byArtist(const ScannedRow& x, std::string_view xArtists, const ScannedRow& y,
+              std::string_view yArtists) {
+    if (x.artistAt == kNoArtist || y.artistAt == kNoArtist)
+        return x.artistAt == kNoArtist && y.artistAt != kNoArtist;
+    return xArtists.substr(x.artistAt, x.artistLength) < yArtists.substr(y.artistAt, y.artistLength);
+}
 
 // Sorts a scan's rows into the statement's order, leaving rows of equal
 // artists in the order the table gave them.
@@ -154,7 +149,10 @@ void sortScan(Scan& scan) {
     scan.order.resize(scan.rows.size());
     for (size_t i = 0; i < scan.order.size(); ++i)
         scan.order[i] = uint32_t(i);
-    std::stable_sort(scan.order.begin(), scan.order.end(), ByArtist{scan.rows, scan.artists});
+    const std::string_view artists(scan.artists);
+    std::stable_sort(scan.order.begin(), scan.order.end(), [&](uint32_t a, uint32_t b) {
+        return byArtist(scan.rows[a], artists, scan.rows[b], artists);
+    });
 }
 
 // Makes room in the scan for the rows still to come, judged by the ids the
@@ -249,29 +247,39 @@ void scanOnOwnConnection(const QByteArray& path, qint64 from, qint64 lastId, boo
     sortScan(out);
 }
 
-// Appends the sorted `more` (rows of higher ids) to the sorted `into`, its
-// rows pointing into the joined texts, and merges the two orders: of equal
-// artists, `into`'s rows come first, as the table gave them.
-void join(Scan& into, Scan&& more) {
-    const auto rowShift = uint32_t(into.rows.size());
-    const auto artistShift = uint32_t(into.artists.size());
-    const auto nameShift = uint32_t(into.names.size());
-    into.rows.reserve(into.rows.size() + more.rows.size());
-    for (ScannedRow r : more.rows) {
-        if (r.artistAt != kNoArtist)
-            r.artistAt += artistShift;
-        r.nameAt += nameShift;
-        into.rows.push_back(r);
+// The rows of two sorted scans, the second of higher ids, as one: row i is
+// the lower scan's row i below the split, and the upper scan's row i - split
+// from there on. Nothing is copied.
+class Halves {
+public:
+    Halves(const Scan& lower, const Scan& upper)
+        : m_lower(lower), m_upper(upper), m_split(uint32_t(lower.rows.size())) {}
+
+    size_t size() const { return m_lower.rows.size() + m_upper.rows.size(); }
+    const Scan& scanOf(uint32_t i) const { return i < m_split ? m_lower : m_upper; }
+    const ScannedRow& row(uint32_t i) const {
+        return i < m_split ? m_lower.rows[i] : m_upper.rows[i - m_split];
     }
-    into.artists += more.artists;
-    into.names += more.names;
-    for (uint32_t& i : more.order)
-        i += rowShift;
-    std::vector<uint32_t> merged(into.order.size() + more.order.size());
-    std::merge(into.order.begin(), into.order.end(), more.order.begin(), more.order.end(), merged.begin(),
-               ByArtist{into.rows, into.artists});
-    into.order = std::move(merged);
-}
+
+    // Both scans' orders merged: of equal artists, the lower scan's rows
+    // come first, as the table gives them.
+    std::vector<uint32_t> order() const {
+        std::vector<uint32_t> upper(m_upper.order);
+        for (uint32_t& i : upper)
+            i += m_split;
+        std::vector<uint32_t> merged(size());
+        std::merge(m_lower.order.begin(), m_lower.order.end(), upper.begin(), upper.end(), merged.begin(),
+                   [&](uint32_t a, uint32_t b) {
+                       return byArtist(row(a), scanOf(a).artists, row(b), scanOf(b).artists);
+                   });
+        return merged;
+    }
+
+private:
+    const Scan& m_lower;
+    const Scan& m_upper;
+    const uint32_t m_split;
+};
 
 // A catalogue whose ids span less than this is read in one piece.
 constexpr qint64 kSplitFrom = 20000;
@@ -311,9 +319,10 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
         sqlite3_finalize(ends);
     }
     Scan scan;
+    // Empty unless the catalogue is read in two.
+    Scan upper;
     if (highest - lowest >= kSplitFrom) {
         const qint64 middle = lowest + (highest - lowest) / 2;
-        Scan upper;
         std::thread helper(scanOnOwnConnection, QByteArray(file), middle + 1, highest, accentBlind, stop,
                            std::ref(upper));
         scanRows(db, std::numeric_limits<qint64>::min(), middle, accentBlind, stop, scan, highest);
@@ -331,8 +340,6 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
         }
         if (scan.outcome == Scan::Read && upper.outcome != Scan::Read)
             scan = std::move(upper);
-        else if (scan.outcome == Scan::Read)
-            join(scan, std::move(upper));
     } else {
         scanRows(db, std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max(), accentBlind,
                  stop, scan);
@@ -342,11 +349,13 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
         return buildInStatementOrder(db, accentBlind, stop, error);
     if (scan.outcome != Scan::Read)
         return fail(scan.error);
-    if (scan.names.size() + scan.rows.size() > kMostBytes || scan.artists.size() > kMostBytes)
+    if (upper.outcome != Scan::Read)
+        upper = Scan();
+    const size_t nameBytes = scan.names.size() + upper.names.size();
+    const Halves rows(scan, upper);
+    if (nameBytes + rows.size() > kMostBytes)
         return fail(QStringLiteral("the catalogue's names are too many to hold"));
-    const std::vector<ScannedRow>& rows = scan.rows;
-    const std::string& names = scan.names;
-    const std::vector<uint32_t>& order = scan.order;
+    const std::vector<uint32_t> order = rows.order();
     if (stop && stop->load(std::memory_order_relaxed))
         return fail(QStringLiteral("stopped"));
 
@@ -355,11 +364,11 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
     index->m_ids.reserve(rows.size());
     index->m_starts.reserve(rows.size() + 1);
     index->m_searchable.reserve(rows.size());
-    index->m_text.reserve(names.size() + rows.size());
-    const std::string_view nameBlock(names);
+    index->m_text.reserve(nameBytes + rows.size());
     for (const uint32_t i : order) {
-        const ScannedRow& r = rows[i];
-        index->appendRow(r.id, r.shown, nameBlock.substr(r.nameAt, r.nameLength));
+        const ScannedRow& r = rows.row(i);
+        index->appendRow(r.id, r.shown,
+                         std::string_view(rows.scanOf(i).names).substr(r.nameAt, r.nameLength));
     }
     index->finishRows();
     return index;

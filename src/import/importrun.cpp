@@ -65,10 +65,10 @@ void ImportRun::setEventPump(std::function<void()> pump) {
     m_importer.setEventPump(std::move(pump));
 }
 
-void ImportRun::pump() {
+void ImportRun::pump(bool now) {
     // A caller's own pump runs every time; the application's events are
-    // looked at every few milliseconds.
-    if (!m_callersPump && !EventLookDue())
+    // looked at every few milliseconds, or `now`.
+    if (!m_callersPump && !now && !EventLookDue())
         return;
     // The screen may read the catalogue: what waits for its group goes in first.
     m_importer.flushRows();
@@ -123,6 +123,7 @@ void ImportRun::runImport(const QString& folderText, int convention) {
         emit runningChanged(true);
     }
     m_importer.ProcessedCount = 0;
+    m_progressShown = false;
     emit busyChanged(true);
     emit buttonCaptionChanged(kCancelImport);
     ImportRunning = true;
@@ -253,7 +254,9 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
                     m_importer.AddToImportDatabase(entry.path, entry.cut, kamikaze);
                     if (m_importer.ProcessedCount % 50 == 0) {
                         emit progressPath(entry.path);
-                        pump();
+                        // The run's first progress shows at once, however
+                        // short the run; the rest as the screen's looks come.
+                        pump(!std::exchange(m_progressShown, true));
                     }
                 }
             }

@@ -85,7 +85,7 @@ private:
     using FolderId = std::pair<quint64, quint64>;
     void runImport(const QString& folderText, int convention);
     void walk(const QString& folder, const QByteArray& folderBytes, std::set<FolderId>& visited);
-    void pump();
+    void pump(bool now = false);
     void tellNamesLeftOut();
     static qint64 catalogueRows();
     // The box names this many of the files left out, and counts the rest.
@@ -98,6 +98,8 @@ private:
     std::function<bool()> m_kamikaze;
     std::function<void()> m_pump;
     bool m_callersPump = false;
+    // The run has shown where it is at least once.
+    bool m_progressShown = false;
     int m_settlePauseMs = 1000;
     int m_runDepth = 0;
 };
