@@ -349,8 +349,6 @@ std::shared_ptr<const SongIndex> SongIndex::build(sqlite3* db, bool accentBlind,
         return buildInStatementOrder(db, accentBlind, stop, error);
     if (scan.outcome != Scan::Read)
         return fail(scan.error);
-    if (upper.outcome != Scan::Read)
-        upper = Scan();
     const size_t nameBytes = scan.names.size() + upper.names.size();
     const Halves rows(scan, upper);
     if (nameBytes + rows.size() > kMostBytes)
