@@ -99,16 +99,6 @@ QByteArray CleanNamePartUtf8(QStringView piece) {
     return CleanNamePart(piece).toUtf8();
 }
 
-QString EscapeQuotes(QStringView text) {
-    return EscapeQuotes(text.toString());
-}
-
-QString EscapeQuotes(QString&& text) {
-    if (text.contains(QLatin1Char('\'')))
-        text.replace(QLatin1Char('\''), QStringLiteral("''"));
-    return std::move(text);
-}
-
 namespace {
 
 // Windows-1252 where it differs from Latin-1: the characters of 0x80 to 0x9F

@@ -15,10 +15,6 @@ QString CleanNamePart(QStringView piece);
 // CleanNamePart(piece).toUtf8(), with fewer copies on the way.
 QByteArray CleanNamePartUtf8(QStringView piece);
 
-// Doubles every apostrophe, for a value joined into an SQL literal.
-QString EscapeQuotes(QStringView text);
-QString EscapeQuotes(QString&& text);
-
 // How a file's name (or path) that is not UTF-8 text is shown to the host:
 // what is UTF-8 reads as such, and every other byte as a Windows-1252
 // character, the code page of the old Windows discs such names come from.
