@@ -10,7 +10,9 @@
 -- A catalogue made from an older template gets any trigger of this file that
 -- it lacks when the program opens it.
 
-PRAGMA page_size = 4096;
+-- The page size is kCataloguePageSize of the program's catalogue code: an
+-- import writes fewer, larger pages.
+PRAGMA page_size = 16384;
 
 -- A song's key is its row id: a new song gets one above the highest in use.
 -- A separate high-water mark, so that the id of a deleted last song is never

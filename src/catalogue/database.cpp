@@ -355,6 +355,8 @@ bool CompactTheDatabase(const QString& source, const QString& destination) {
         if (mode != "delete")
             throw KvError(
                 5, QStringLiteral("The song catalogue is open in another program; it was not optimised."));
+        // The copy is made in the catalogue's page size, whatever the source's.
+        run("PRAGMA page_size = " + QByteArray::number(kCataloguePageSize));
         run("VACUUM INTO '" + QFile::encodeName(destination).replace("'", "''") + "'");
         SyncToDisk(destination);
         ok = true;

@@ -50,9 +50,14 @@ void Archive(const QString& file, const QString& folder);
 // Compacts the catalogue: a compact copy is written beside it, flushed to
 // disk and renamed over it; then the catalogue is opened again.
 void DatabaseCompact();
+// The catalogue's page size. Large pages make an import's writes fewer and
+// larger (a page of the log is written with two system calls, whatever its
+// size); the empty catalogue of the install folder is made with it, and a
+// catalogue of an older page size takes it at its next compaction.
+constexpr int kCataloguePageSize = 16384;
 // Writes a compact copy of the database `source` to `destination` (which must
-// not exist); false, logged, when it could not (also when another program
-// has the source open).
+// not exist), in pages of kCataloguePageSize; false, logged, when it could
+// not (also when another program has the source open).
 bool CompactTheDatabase(const QString& source, const QString& destination);
 // True when the catalogue is of the old layout (it has tblImport and KaraokeTracks).
 bool CheckForOldDatabase();

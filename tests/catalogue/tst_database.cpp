@@ -184,6 +184,42 @@ private slots:
         QVERIFY(QFileInfo(ws.catalogueFile()).size() < before);
     }
 
+    // A new catalogue has the program's page size, and one of another page
+    // size takes it at its compaction, with its songs.
+    void compactionGivesThePageSize_data() {
+        QTest::addColumn<int>("startingPageSize");
+        QTest::addColumn<bool>("compact");
+        QTest::newRow("new catalogue") << 0 << false;
+        QTest::newRow("new catalogue, compacted") << 0 << true;
+        QTest::newRow("4096-byte pages, compacted") << 4096 << true;
+        QTest::newRow("1024-byte pages, compacted") << 1024 << true;
+    }
+    void compactionGivesThePageSize() {
+        QFETCH(int, startingPageSize);
+        QFETCH(bool, compact);
+        TestWorkspace ws;
+        ws.addSongs({"Kept - Song", "Also - Kept"});
+        if (startingPageSize > 0) {
+            CloseDatabase();
+            QSqlDatabase side = QSqlDatabase::addDatabase("QSQLITE", "pages");
+            side.setDatabaseName(ws.catalogueFile());
+            QVERIFY(side.open());
+            for (const QString& sql : {QStringLiteral("PRAGMA journal_mode = DELETE"),
+                                       QStringLiteral("PRAGMA page_size = %1").arg(startingPageSize),
+                                       QStringLiteral("VACUUM"), QStringLiteral("PRAGMA journal_mode = WAL")})
+                QVERIFY2(QSqlQuery(side).exec(sql), qPrintable(sql));
+            side.close();
+            side = QSqlDatabase();
+            QSqlDatabase::removeDatabase("pages");
+            QVERIFY(OpenDatabase());
+            QCOMPARE(count("PRAGMA page_size"), startingPageSize);
+        }
+        if (compact)
+            DatabaseCompact();
+        QCOMPARE(count("PRAGMA page_size"), kCataloguePageSize);
+        QCOMPARE(count("Select count(*) from tblKaraokeTracks"), 2);
+    }
+
     void failedCompactionRecoversAtOpen() {
         TestWorkspace ws;
         ws.addSongs({"Keep - Me"});
