@@ -23,7 +23,7 @@ namespace playbackmedia {
 // How long a real player may take to answer or to get a song going on a
 // loaded machine (a test run beside a build, say): a waited-for state comes
 // much sooner when all is well.
-constexpr int kPlayerSlack = 10000;
+constexpr int kPlayerSlack = 30000;
 
 // An mp3 of a sine tone; `seconds` long, `kbps` bit rate. Returns false when no encoder worked.
 inline bool makeMp3(const QString& path, double seconds, int kbps = 64) {
