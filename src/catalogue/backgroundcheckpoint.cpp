@@ -24,6 +24,18 @@ BackgroundCheckpoint::~BackgroundCheckpoint() {
     m_thread.join();
 }
 
+void BackgroundCheckpoint::lastFoldThenEnd() {
+    if (m_writer)
+        sqlite3_wal_hook(m_writer, nullptr, nullptr);
+    m_writer = nullptr;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_wanted = true;
+        m_last = true;
+    }
+    m_wake.notify_all();
+}
+
 int BackgroundCheckpoint::folds() const {
     const std::lock_guard lock(m_mutex);
     return m_folds;
@@ -64,6 +76,7 @@ void BackgroundCheckpoint::run(QByteArray path) {
         if (m_stop)
             break;
         m_wanted = false;
+        const bool last = m_last;
         lock.unlock();
         // A passive fold copies what is committed and waits for no one; the
         // frames it cannot reach yet stay for the next.
@@ -71,6 +84,8 @@ void BackgroundCheckpoint::run(QByteArray path) {
         lock.lock();
         if (rc == SQLITE_OK)
             ++m_folds;
+        if (last)
+            break;
     }
     lock.unlock();
     sqlite3_close(db);

@@ -29,6 +29,12 @@ public:
     // The writer's connection was closed under it: its hook went with it.
     void writerClosed() { m_writer = nullptr; }
 
+    // The writer is done: its commit hook is handed back at once, and the
+    // thread makes one last fold of what is committed and then ends, without
+    // the writer waiting for it. The destructor waits for that end (a fold
+    // not yet begun by then is not made).
+    void lastFoldThenEnd();
+
     // Folds made so far (for tests and figures).
     int folds() const;
 
@@ -42,6 +48,7 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_wake;
     bool m_wanted = false;
+    bool m_last = false;
     bool m_stop = false;
     int m_folds = 0;
     std::thread m_thread;

@@ -28,6 +28,10 @@
 
 namespace {
 
+// The fold of the log that ended the last bulk writes, made on its own thread
+// while the program goes on; the catalogue waits for it before it closes.
+std::unique_ptr<BackgroundCheckpoint> g_lastFold;
+
 const QString kFailedTitle = QStringLiteral("Database connection failed");
 const QString kCompactSource = QStringLiteral("KvApp.frmMain.DatabaseCompact");
 const QString kOpenSource = QStringLiteral("KvApp.modMain.OpenDatabase");
@@ -209,6 +213,8 @@ bool IsDatabaseOpen() {
 }
 
 void CloseDatabase() {
+    // A compaction needs the file to itself: the last fold's connection ends first.
+    g_lastFold.reset();
     if (!QSqlDatabase::contains(kConnectionName))
         return;
     ++g_generation;
@@ -429,14 +435,18 @@ BulkWrites::~BulkWrites() {
         return;
     const bool sameConnection = IsDatabaseOpen() && ConnectionGeneration() == m_generation;
     // A connection closed meanwhile took its hook with it.
-    if (!sameConnection)
+    if (!sameConnection) {
         m_folding->writerClosed();
-    m_folding.reset();
-    if (!sameConnection)
+        m_folding.reset();
         return;
+    }
+    // The log's last fold runs on the folding thread, and the work that
+    // follows (the song index read, the next screen) does not wait for its
+    // disk flushes.
+    m_folding->lastFoldThenEnd();
+    g_lastFold = std::move(m_folding);
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_autocheckpoint = 1000"));
     QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA synchronous = FULL"));
-    QSqlQuery(dbConnection()).exec(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)"));
 }
 
 QString MakeSafeSql(const QString& text) {

@@ -71,6 +71,22 @@ private slots:
         QCOMPARE(f.rows(), 4100);
     }
 
+    // The writer done: its hook is its own again at once, and one last fold
+    // follows on the thread, with the rows in the file.
+    void lastFoldOnceTheWriterIsDone() {
+        LoggedFile f;
+        const qint64 emptySize = f.fileSize();
+        BackgroundCheckpoint folding(f.db, 1'000'000); // no fold while it writes
+        for (int i = 0; i < 10; ++i)
+            QVERIFY(f.commitRows());
+        QCOMPARE(folding.folds(), 0);
+        folding.lastFoldThenEnd();
+        QVERIFY(sqlite3_wal_hook(f.db, nullptr, nullptr) == nullptr);
+        QTRY_COMPARE(folding.folds(), 1);
+        QVERIFY(f.fileSize() > emptySize + 900'000);
+        QCOMPARE(f.rows(), 1000);
+    }
+
     // A connection without a file, and a writer closed under it, leave
     // nothing running and nothing hooked.
     void withoutAFileOrAfterTheWriterCloses() {
