@@ -140,18 +140,21 @@ SongIndexKeeper::Stamp SongIndexKeeper::stampNow() const {
     return s;
 }
 
+bool SongIndexKeeper::songsChanged(const Stamp& then, const Stamp& now) {
+    // Rows changed on this connection beyond what the hook reported were
+    // changed without it (a delete of the whole table).
+    const bool unreported =
+        now.totalChanges - then.totalChanges > qint64(now.hookedChanges - then.hookedChanges);
+    return now.songChanges != then.songChanges || now.dataVersion != then.dataVersion || unreported;
+}
+
 std::shared_ptr<const SongIndex> SongIndexKeeper::current(bool accentBlind) {
     if (!m_db)
         return nullptr;
     m_wantBlind = accentBlind;
     if (m_index && m_index->accentBlind() == accentBlind) {
         const Stamp now = stampNow();
-        // Rows changed on this connection beyond what the hook reported were
-        // changed without it (a delete of the whole table).
-        const bool unreported = now.totalChanges - m_indexStamp.totalChanges >
-                                qint64(now.hookedChanges - m_indexStamp.hookedChanges);
-        if (now.songChanges == m_indexStamp.songChanges && now.dataVersion == m_indexStamp.dataVersion &&
-            now.dataVersion >= 0 && !unreported) {
+        if (!songsChanged(m_indexStamp, now) && now.dataVersion >= 0) {
             // Changes to other tables move these two: follow them along.
             m_indexStamp.totalChanges = now.totalChanges;
             m_indexStamp.hookedChanges = now.hookedChanges;
@@ -191,7 +194,7 @@ void SongIndexKeeper::startBuild(bool accentBlind) {
     const QString saveTo = savedPath() + QStringLiteral(".new");
     m_builder = std::thread([this, serial, stamp, path, accentBlind, saveTo] {
         std::shared_ptr<const SongIndex> index;
-        bool saved = false;
+        qint64 maxId = -1;
         sqlite3* reader = nullptr;
         if (sqlite3_open_v2(path.constData(), &reader, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr) ==
             SQLITE_OK) {
@@ -199,7 +202,6 @@ void SongIndexKeeper::startBuild(bool accentBlind) {
             // One read transaction: the highest id saved with the index is
             // that of the rows it holds.
             sqlite3_exec(reader, "BEGIN", nullptr, nullptr, nullptr);
-            qint64 maxId = -1;
             sqlite3_stmt* top = nullptr;
             if (sqlite3_prepare_v2(reader, "Select ifnull(max(KaraokeTrackID), 0) From tblKaraokeTracks", -1,
                                    &top, nullptr) == SQLITE_OK &&
@@ -210,53 +212,58 @@ void SongIndexKeeper::startBuild(bool accentBlind) {
             // so its two halves may be read through two connections.
             index = SongIndex::build(reader, accentBlind, &m_stop, nullptr, true);
             sqlite3_exec(reader, "COMMIT", nullptr, nullptr, nullptr);
-            if (index && maxId >= 0 && !m_stop)
-                saved = index->save(saveTo, maxId);
         }
         sqlite3_close(reader);
         if (m_stop)
             return;
+        // The index goes to the searches first; its copy on disk, for the
+        // next start, follows.
         QMetaObject::invokeMethod(
-            this, [this, serial, index, stamp, saved] { finishBuild(serial, index, stamp, saved); },
-            Qt::QueuedConnection);
+            this, [this, serial, index, stamp] { finishBuild(serial, index, stamp); }, Qt::QueuedConnection);
+        if (index && maxId >= 0 && !m_stop && index->save(saveTo, maxId))
+            QMetaObject::invokeMethod(
+                this, [this, serial] { finishSave(serial); }, Qt::QueuedConnection);
     });
 }
 
-void SongIndexKeeper::finishBuild(quint64 serial, std::shared_ptr<const SongIndex> index, Stamp stamp,
-                                  bool saved) {
+void SongIndexKeeper::finishBuild(quint64 serial, std::shared_ptr<const SongIndex> index, Stamp stamp) {
     if (serial != m_serial)
         return;
-    if (m_builder.joinable())
-        m_builder.join();
+    // The read's thread may still be writing the index's copy: it is waited
+    // for when the next read starts or the catalogue closes.
     m_building = false;
-    const QString newFile = savedPath() + QStringLiteral(".new");
-    if (!index || !m_db) {
-        QFile::remove(newFile);
+    if (!index || !m_db)
         return;
-    }
     // A change while the read ran may or may not be in it: read again.
     const Stamp now = stampNow();
-    const bool unreported =
-        now.totalChanges - stamp.totalChanges > qint64(now.hookedChanges - stamp.hookedChanges);
-    if (now.songChanges != stamp.songChanges || now.dataVersion != stamp.dataVersion || unreported ||
-        m_songsChangedInTransaction) {
-        QFile::remove(newFile);
+    if (songsChanged(stamp, now) || m_songsChangedInTransaction) {
         startBuild(index->accentBlind());
         return;
     }
-    // Renamed here, on the thread that sees every change of this program,
-    // so that no change can come between the check and the file.
-    if (saved &&
-        std::rename(QFile::encodeName(newFile).constData(), QFile::encodeName(savedPath()).constData()) != 0)
-        QFile::remove(newFile);
     m_index = std::move(index);
     m_indexStamp = now;
+    m_indexSerial = serial;
 #if defined(__GLIBC__)
-    // The read's working copies were freed on the reading thread; give their
-    // pages back rather than keep them for a read that may not come.
-    malloc_trim(0);
+    // The read's working copies were freed on the reading thread; their
+    // pages go back once the searches it was read for have had their turn.
+    QTimer::singleShot(kTrimDelayMs, this, [] { malloc_trim(0); });
 #endif
     emit indexReady();
+}
+
+void SongIndexKeeper::finishSave(quint64 serial) {
+    // A later read owns the file being written now.
+    if (serial != m_serial)
+        return;
+    const QString newFile = savedPath() + QStringLiteral(".new");
+    // Renamed here, on the thread that sees every change of this program,
+    // so that no change can come between the check and the file: only while
+    // the index in use is the one saved, and the songs are as it read them.
+    const bool current = m_db && m_index && serial == m_indexSerial &&
+                         !songsChanged(m_indexStamp, stampNow()) && !m_songsChangedInTransaction;
+    if (!current ||
+        std::rename(QFile::encodeName(newFile).constData(), QFile::encodeName(savedPath()).constData()) != 0)
+        QFile::remove(newFile);
 }
 
 bool SongIndexKeeper::buildNow(bool accentBlind) {

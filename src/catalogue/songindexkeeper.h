@@ -62,6 +62,8 @@ public:
     void setReadsOnItsOwn(bool on) { m_readsOnItsOwn = on; }
 
     static constexpr int kFirstReadDelayMs = 1000;
+    // How long after a read its freed working copies are given back.
+    static constexpr int kTrimDelayMs = 2000;
 
 signals:
     // A fresh index is in place.
@@ -77,8 +79,11 @@ private:
         bool operator==(const Stamp&) const = default;
     };
     Stamp stampNow() const;
+    // Whether the songs changed between the two stamps, as far as can be told.
+    static bool songsChanged(const Stamp& then, const Stamp& now);
     void startBuild(bool accentBlind);
-    void finishBuild(quint64 serial, std::shared_ptr<const SongIndex> index, Stamp stamp, bool saved);
+    void finishBuild(quint64 serial, std::shared_ptr<const SongIndex> index, Stamp stamp);
+    void finishSave(quint64 serial);
     void joinBuilder();
     static void onRowChanged(void* self, int op, const char* database, const char* table, long long rowid);
     static int onCommit(void* self);
@@ -93,6 +98,8 @@ private:
 
     std::shared_ptr<const SongIndex> m_index;
     Stamp m_indexStamp;
+    // The read that made m_index.
+    quint64 m_indexSerial = 0;
     bool m_wantBlind = false;
     bool m_readsOnItsOwn = true;
     // Songs changed in the transaction under way: the saved index goes at
