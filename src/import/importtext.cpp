@@ -2,24 +2,33 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 namespace {
 
+// A piece's character `i` as a UTF-16 code unit: pieces come as text, or as
+// bytes of ASCII, and every character the cleaning looks at is ASCII.
+char16_t unitAt(QStringView s, qsizetype i) {
+    return s[i].unicode();
+}
+char16_t unitAt(QByteArrayView s, qsizetype i) {
+    return char16_t(quint8(s[i]));
+}
+
 // Trims blanks only: tabs and other white space belong to the name.
-QStringView trimBlanks(QStringView s) {
+template <class View> View trimBlanks(View s) {
     qsizetype from = 0;
     qsizetype to = s.size();
-    while (from < to && s[from] == QLatin1Char(' '))
+    while (from < to && unitAt(s, from) == u' ')
         ++from;
-    while (to > from && s[to - 1] == QLatin1Char(' '))
+    while (to > from && unitAt(s, to - 1) == u' ')
         --to;
     return s.sliced(from, to - from);
 }
 
-// Whether `c` is the ASCII letter or digit `lower`, in either case. No other
+// Whether `u` is the ASCII letter or digit `lower`, in either case. No other
 // character folds to one of the letters of the listed extensions.
-bool sameAsciiLetter(QChar c, char lower) {
-    const char16_t u = c.unicode();
+bool sameAsciiLetter(char16_t u, char lower) {
     return u == char16_t(lower) || (lower >= 'a' && lower <= 'z' && u == char16_t(lower - 'a' + 'A'));
 }
 
@@ -27,13 +36,13 @@ bool sameAsciiLetter(QChar c, char lower) {
 constexpr const char* kExtensions[] = {"zip", "cdg", "mp3", "mpg", "dat"};
 
 // Whether the text's last four characters are "." and one of kExtensions.
-bool endsInExtension(QStringView s) {
-    if (s.size() < 4 || s[s.size() - 4] != QLatin1Char('.'))
+template <class View> bool endsInExtension(View s) {
+    const qsizetype n = s.size();
+    if (n < 4 || unitAt(s, n - 4) != u'.')
         return false;
-    const QStringView ext = s.last(3);
     return std::any_of(std::begin(kExtensions), std::end(kExtensions), [&](const char* e) {
-        return sameAsciiLetter(ext[0], e[0]) && sameAsciiLetter(ext[1], e[1]) &&
-               sameAsciiLetter(ext[2], e[2]);
+        return sameAsciiLetter(unitAt(s, n - 3), e[0]) && sameAsciiLetter(unitAt(s, n - 2), e[1]) &&
+               sameAsciiLetter(unitAt(s, n - 1), e[2]);
     });
 }
 
@@ -48,8 +57,8 @@ void removeExtension(QString& s, const char* ext) {
     QChar* p = s.data();
     qsizetype out = 0;
     for (qsizetype in = 0; in < n;) {
-        if (p[in] == QLatin1Char('.') && in + 4 <= n && sameAsciiLetter(p[in + 1], ext[0]) &&
-            sameAsciiLetter(p[in + 2], ext[1]) && sameAsciiLetter(p[in + 3], ext[2])) {
+        if (p[in] == QLatin1Char('.') && in + 4 <= n && sameAsciiLetter(p[in + 1].unicode(), ext[0]) &&
+            sameAsciiLetter(p[in + 2].unicode(), ext[1]) && sameAsciiLetter(p[in + 3].unicode(), ext[2])) {
             in += 4;
             continue;
         }
@@ -59,13 +68,35 @@ void removeExtension(QString& s, const char* ext) {
 }
 
 // The piece up to its first NUL, trimmed, less one leading underscore.
-QStringView cutPiece(QStringView piece) {
-    if (const qsizetype nul = piece.indexOf(QChar(0)); nul >= 0)
-        piece = piece.left(nul);
+template <class View> View cutPiece(View piece) {
+    for (qsizetype i = 0; i < piece.size(); ++i) {
+        if (unitAt(piece, i) == 0) {
+            piece = piece.first(i);
+            break;
+        }
+    }
     piece = trimBlanks(piece);
-    if (piece.startsWith(QLatin1Char('_')))
+    if (!piece.isEmpty() && unitAt(piece, 0) == u'_')
         piece = piece.sliced(1);
     return piece;
+}
+
+// Whether CleanNamePart leaves the cut piece as it is but for an extension
+// at its end, and where it ends then: most pieces have no underscore in them,
+// and no dot but that of an extension at their end.
+template <class View> std::optional<View> cleanedAsItStands(View cut) {
+    qsizetype dots = 0;
+    for (qsizetype i = 0; i < cut.size(); ++i) {
+        const char16_t u = unitAt(cut, i);
+        if (u == u'_')
+            return std::nullopt;
+        dots += u == u'.';
+    }
+    if (dots == 0)
+        return cut;
+    if (dots == 1 && endsInExtension(cut))
+        return trimBlanks(cut.chopped(4));
+    return std::nullopt;
 }
 
 } // namespace
@@ -79,24 +110,22 @@ QString CleanNamePart(QStringView piece) {
         for (const char* ext : kExtensions)
             removeExtension(s, ext);
     }
-    const QStringView trimmed = trimBlanks(s);
+    const QStringView trimmed = trimBlanks(QStringView(s));
     if (trimmed.size() != s.size())
         return trimmed.toString();
     return s;
 }
 
 QByteArray CleanNamePartUtf8(QStringView piece) {
-    // Most pieces have no underscore in them, and no dot but that of an
-    // extension at their end: the rest of them goes into UTF-8 as it stands.
-    QStringView cut = trimBlanks(cutPiece(piece));
-    if (cut.contains(QLatin1Char('_')))
-        return CleanNamePart(piece).toUtf8();
-    const qsizetype dots = cut.count(QLatin1Char('.'));
-    if (dots == 1 && endsInExtension(cut))
-        return trimBlanks(cut.chopped(4)).toUtf8();
-    if (dots == 0)
-        return cut.toUtf8();
+    if (const std::optional<QStringView> value = cleanedAsItStands(trimBlanks(cutPiece(piece))))
+        return value->toUtf8();
     return CleanNamePart(piece).toUtf8();
+}
+
+QByteArray CleanAsciiNamePart(QByteArrayView piece) {
+    if (const std::optional<QByteArrayView> value = cleanedAsItStands(trimBlanks(cutPiece(piece))))
+        return QByteArray::fromRawData(value->data(), value->size());
+    return CleanNamePart(QString::fromLatin1(piece)).toLatin1();
 }
 
 namespace {

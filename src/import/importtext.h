@@ -14,6 +14,10 @@
 QString CleanNamePart(QStringView piece);
 // CleanNamePart(piece).toUtf8(), with fewer copies on the way.
 QByteArray CleanNamePartUtf8(QStringView piece);
+// The same for a piece of ASCII bytes. Where the value is the piece as it
+// stands, or a part of it, the value shares the piece's bytes, and must not
+// outlive them.
+QByteArray CleanAsciiNamePart(QByteArrayView piece);
 
 // How a file's name (or path) that is not UTF-8 text is shown to the host:
 // what is UTF-8 reads as such, and every other byte as a Windows-1252

@@ -6,6 +6,7 @@
 #include <QStringView>
 #include <QVarLengthArray>
 
+#include <algorithm>
 #include <optional>
 #include <span>
 
@@ -78,53 +79,86 @@ constexpr std::array<Rule, 13> kRules = {{
 constexpr int kAllInOne = 4;
 
 // The text less its last four characters: the extension of most song files.
-QStringView withoutExtension(QStringView name) {
+template <class View> View withoutExtension(View name) {
     if (name.size() < 4)
         throw KvError(5, QStringLiteral("Invalid procedure call or argument"), kSource);
     return name.chopped(4);
 }
 
 // A name's pieces, as views into it: a name has few.
-using Pieces = QVarLengthArray<QStringView, 8>;
+template <class View> using Pieces = QVarLengthArray<View, 8>;
 
 // Cuts `text` at every `separator`, empty pieces kept (as QStringView::split
 // does, into a list that needs no heap for a name).
-void cutAt(QStringView text, QStringView separator, Pieces& out) {
+template <class View> void cutAt(View text, View separator, Pieces<View>& out) {
     qsizetype from = 0;
     for (qsizetype at; (at = text.indexOf(separator, from)) >= 0; from = at + separator.size())
         out.push_back(text.sliced(from, at - from));
     out.push_back(text.sliced(from));
 }
 
+// A name is cut as text (QStringView), or, when it is all ASCII, as its own
+// bytes (QByteArrayView), which spares the text's making and its encoding
+// back into UTF-8: each character is then one byte.
+template <class View> struct Text;
+
+template <> struct Text<QStringView> {
+    using Owned = QString;
+    static constexpr QStringView kPieceCut = u" - ";
+    static constexpr QStringView kSubCut = u"-";
+    static QByteArray utf8(QStringView v) { return v.toUtf8(); }
+    static QByteArray clean(QStringView v) { return CleanNamePartUtf8(v); }
+    static QString text(QStringView v) { return v.toString(); }
+    static QString owned(QStringView v) { return v.toString(); }
+    static bool hasUnderscore(QStringView v) { return v.contains(QLatin1Char('_')); }
+    static QString blanksForUnderscores(QStringView v) {
+        return owned(v).replace(QLatin1Char('_'), QLatin1Char(' '));
+    }
+};
+
+template <> struct Text<QByteArrayView> {
+    using Owned = QByteArray;
+    static constexpr QByteArrayView kPieceCut = " - ";
+    static constexpr QByteArrayView kSubCut = "-";
+    // ASCII is UTF-8 as it stands: the value shares the name's bytes, which
+    // outlive the cut.
+    static QByteArray utf8(QByteArrayView v) { return QByteArray::fromRawData(v.data(), v.size()); }
+    static QByteArray clean(QByteArrayView v) { return CleanAsciiNamePart(v); }
+    static QString text(QByteArrayView v) { return QString::fromLatin1(v); }
+    static QByteArray owned(QByteArrayView v) { return v.toByteArray(); }
+    static bool hasUnderscore(QByteArrayView v) { return v.contains('_'); }
+    static QByteArray blanksForUnderscores(QByteArrayView v) { return owned(v).replace('_', ' '); }
+};
+
 // The working values of one file while its name is cut, in UTF-8 as the
 // catalogue stores them.
-class Cut {
+template <class View> class Cut {
+    using T = Text<View>;
+
 public:
-    Cut(const QString& path, QByteArrayView pathUtf8) : m_pathUtf8(pathUtf8) {
-        const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
-        m_name = QStringView(path).sliced(slash + 1);
+    // `name` is the file name at the end of the path whose UTF-8 is `pathUtf8`.
+    Cut(View name, QByteArrayView pathUtf8) : m_pathUtf8(pathUtf8), m_name(name) {
         // Underscores stand for blanks; most names have none, and are cut
         // where they are.
         m_working = m_name;
-        if (m_name.contains(QLatin1Char('_'))) {
-            m_workingCopy = m_name.toString();
-            m_workingCopy.replace(QLatin1Char('_'), QLatin1Char(' '));
-            m_working = m_workingCopy;
+        if (T::hasUnderscore(m_name)) {
+            m_workingCopy = T::blanksForUnderscores(m_name);
+            m_working = View(m_workingCopy);
         }
-        cutAt(m_working, u" - ", m_pieces);
+        cutAt(m_working, View(T::kPieceCut), m_pieces);
     }
 
     QByteArray TrackName, ArtistName, DiscName, TrackNo;
     int MissingPieces = 0;
 
-    QString working() const { return m_working.toString(); }
+    QString working() const { return T::text(m_working); }
 
     // The name as it stands, its bytes those of the path after its last "/".
     QByteArrayView fileName() const { return m_pathUtf8.sliced(m_pathUtf8.lastIndexOf('/') + 1); }
 
     void run(int convention) {
         if (convention == kAllInOne) {
-            TrackName = withoutExtension(m_name).toUtf8();
+            TrackName = T::utf8(withoutExtension(m_name));
             return;
         }
         if (convention < 0 || convention >= int(kRules.size())) {
@@ -147,12 +181,12 @@ public:
     }
 
 private:
-    QStringView pieceAt(int i) const {
+    View pieceAt(int i) const {
         if (i >= m_pieces.size())
             throw MissingPiece{};
         return m_pieces[i];
     }
-    QStringView subAt(int i) const {
+    View subAt(int i) const {
         if (i >= m_subs.size())
             throw MissingPiece{};
         return m_subs[i];
@@ -174,24 +208,27 @@ private:
     void apply(const Op& op) {
         switch (op.kind) {
         case Op::Piece:
-            field(op.field) = CleanNamePartUtf8(pieceAt(op.a));
+            field(op.field) = T::clean(pieceAt(op.a));
             break;
         case Op::Sub:
-            field(op.field) = CleanNamePartUtf8(subAt(op.a));
+            field(op.field) = T::clean(subAt(op.a));
             break;
         case Op::SubPair: {
-            QString joined = subAt(op.a).toString();
-            joined += QLatin1Char('-');
+            typename T::Owned joined = T::owned(subAt(op.a));
+            joined += T::kSubCut;
             joined += subAt(op.b);
-            field(op.field) = CleanNamePartUtf8(joined);
+            // Made of a text that ends here: the value is a copy of its own.
+            QByteArray value = T::clean(View(joined));
+            value.detach();
+            field(op.field) = value;
             break;
         }
         case Op::Split: {
             // An empty piece cuts into no sub-pieces at all.
-            const QStringView p = pieceAt(op.a);
+            const View p = pieceAt(op.a);
             m_subs.clear();
             if (!p.isEmpty())
-                cutAt(p, u"-", m_subs);
+                cutAt(p, View(T::kSubCut), m_subs);
             break;
         }
         }
@@ -211,7 +248,7 @@ private:
         ArtistName.clear();
         DiscName.clear();
         TrackNo.clear();
-        TrackName = rawFileName ? fileNameAsTitle() : withoutExtension(m_working).toUtf8();
+        TrackName = rawFileName ? fileNameAsTitle() : T::utf8(withoutExtension(m_working));
     }
 
     // A statement read a piece the name lacks: the file keeps its file name
@@ -223,12 +260,33 @@ private:
     }
 
     QByteArrayView m_pathUtf8;
-    QStringView m_name;
-    QStringView m_working;
-    QString m_workingCopy;
-    Pieces m_pieces;
-    Pieces m_subs;
+    View m_name;
+    View m_working;
+    typename T::Owned m_workingCopy;
+    Pieces<View> m_pieces;
+    Pieces<View> m_subs;
 };
+
+// Cuts the name and sets `out` from the cut (`name` as text or as ASCII bytes).
+template <class View> void cutInto(View name, QByteArrayView pathUtf8, int convention, NameCut& out) {
+    std::optional<Cut<View>> cut;
+    try {
+        cut.emplace(name, pathUtf8);
+        cut->run(convention);
+        out.setValues(
+            {cut->TrackName, cut->ArtistName, cut->DiscName, cut->TrackNo, cut->fileName(), pathUtf8});
+    } catch (...) {
+        out.failure = std::current_exception();
+    }
+    if (cut && cut->MissingPieces > 0) {
+        out.missingPieces = cut->MissingPieces;
+        out.shownName = cut->working();
+    }
+}
+
+bool isAscii(QByteArrayView bytes) {
+    return std::all_of(bytes.begin(), bytes.end(), [](char c) { return quint8(c) < 0x80; });
+}
 
 } // namespace
 
@@ -261,18 +319,10 @@ NameCut CutFileName(const QString& path, int convention, QByteArrayView pathUtf8
         made = path.toUtf8();
         pathUtf8 = made;
     }
-    std::optional<Cut> cut;
-    try {
-        cut.emplace(path, pathUtf8);
-        cut->run(convention);
-        out.setValues(
-            {cut->TrackName, cut->ArtistName, cut->DiscName, cut->TrackNo, cut->fileName(), pathUtf8});
-    } catch (...) {
-        out.failure = std::current_exception();
-    }
-    if (cut && cut->MissingPieces > 0) {
-        out.missingPieces = cut->MissingPieces;
-        out.shownName = cut->working();
-    }
+    const QByteArrayView nameBytes = pathUtf8.sliced(pathUtf8.lastIndexOf('/') + 1);
+    if (isAscii(nameBytes))
+        cutInto(nameBytes, pathUtf8, convention, out);
+    else
+        cutInto(QStringView(path).sliced(path.lastIndexOf(QLatin1Char('/')) + 1), pathUtf8, convention, out);
     return out;
 }

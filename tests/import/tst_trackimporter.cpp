@@ -9,6 +9,8 @@
 
 #include <QSqlQuery>
 #include <QTest>
+
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -62,7 +64,9 @@ private slots:
     }
 
     // One file of each kind of name through each convention: what the row
-    // holds and how often the naming question came.
+    // holds and how often the naming question came. A name in ASCII is cut
+    // as bytes, any other as text: each row comes again with letters beyond
+    // ASCII in it.
     void conventions_data() {
         QTest::addColumn<int>("convention");
         QTest::addColumn<QString>("name");
@@ -72,8 +76,16 @@ private slots:
         // tag, convention, file name, artist, title, disc, track number, questions
         const auto row = [](const char* tag, int convention, const char* name, const char* artist,
                             const char* title, const char* disc, const char* trackNo, int questions) {
-            QTest::newRow(tag) << convention << QString::fromUtf8(name)
-                               << QStringList{artist, title, disc, trackNo}.join('|') << questions;
+            const QString fields = QStringList{artist, title, disc, trackNo}.join('|');
+            QTest::newRow(tag) << convention << QString::fromUtf8(name) << fields << questions;
+            const auto beyondAscii = [](QString s) {
+                return s.replace(QLatin1Char('A'), QStringLiteral("Ä"))
+                    .replace(QLatin1Char('o'), QStringLiteral("ö"));
+            };
+            const QString text = beyondAscii(QString::fromUtf8(name));
+            QVERIFY(text != QString::fromUtf8(name));
+            QTest::newRow((QByteArray(tag) + " (as text)").constData())
+                << convention << text << beyondAscii(fields) << questions;
         };
         row("0 title - artist", 0, "Title - Artist.zip", "Artist", "Title", "", "", 0);
         row("0 apostrophe doubled in fallback", 0, "Don't Stop.zip", "", "Don''t Stop.zip", "", "", 0);
@@ -248,6 +260,11 @@ private slots:
         QFETCH(QString, value);
         QCOMPARE(CleanNamePart(piece), value);
         QCOMPARE(CleanNamePartUtf8(piece), value.toUtf8());
+        // A piece in ASCII is cleaned as bytes too.
+        if (std::all_of(piece.cbegin(), piece.cend(), [](QChar c) { return c.unicode() < 0x80; })) {
+            const QByteArray ascii = piece.toLatin1();
+            QCOMPARE(CleanAsciiNamePart(ascii), value.toUtf8());
+        }
     }
 
     // The rows go in with the catalogue's Yes/No trigger off, which must be on
