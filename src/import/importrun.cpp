@@ -232,13 +232,19 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
         if (stopped())
             break;
         WalkAhead::Entry& entry = m_ahead->take(*listing, i);
-        childBytes.truncate(folderBytes.size());
-        childBytes += entry.bytes;
-        const bool isFolder = IsFolderEntry(childBytes, entry.type);
+        // The entry's path is made only when it is needed: a plain file is
+        // no folder, and its song row has the path already.
+        const auto childPath = [&]() -> const QByteArray& {
+            childBytes.truncate(folderBytes.size());
+            childBytes += entry.bytes;
+            return childBytes;
+        };
+        const bool isFolder = entry.type != DT_REG && IsFolderEntry(childPath(), entry.type);
         m_ahead->settle(*listing, entry, isFolder);
         if (isFolder) {
             if (CancelRequested)
                 break;
+            // A folder's path was made for the check above.
             childBytes += '/';
             walk(folder + entry.name + QLatin1Char('/'), childBytes, visited);
         } else {
@@ -248,7 +254,7 @@ void ImportRun::walk(const QString& folder, const QByteArray& folderBytes, std::
                 // out and named to the host at the end, never stored under a
                 // path that leads nowhere.
                 if (!entry.pathOpensIt) {
-                    NamesLeftOut.append(FileNameForDisplay(childBytes));
+                    NamesLeftOut.append(FileNameForDisplay(childPath()));
                 } else {
                     const bool kamikaze = m_kamikaze && m_kamikaze();
                     m_importer.AddToImportDatabase(entry.path, entry.cut, kamikaze);
