@@ -232,8 +232,11 @@ void SongIndexKeeper::finishBuild(quint64 serial, std::shared_ptr<const SongInde
     // The read's thread may still be writing the index's copy: it is waited
     // for when the next read starts or the catalogue closes.
     m_building = false;
-    if (!index || !m_db)
+    if (!index || !m_db) {
+        // No copy follows a failed read; an earlier read's may lie there.
+        QFile::remove(savedPath() + QStringLiteral(".new"));
         return;
+    }
     // A change while the read ran may or may not be in it: read again.
     const Stamp now = stampNow();
     if (songsChanged(stamp, now) || m_songsChangedInTransaction) {
