@@ -120,8 +120,9 @@ template <> struct Text<QByteArrayView> {
     using Owned = QByteArray;
     static constexpr QByteArrayView kPieceCut = " - ";
     static constexpr QByteArrayView kSubCut = "-";
-    // ASCII is UTF-8 as it stands: the value shares the name's bytes, which
-    // outlive the cut.
+    // ASCII is UTF-8 as it stands: the value shares the bytes it was cut
+    // from (the path's, or the cut's working copy), which last until the
+    // values are copied into the cut's block.
     static QByteArray utf8(QByteArrayView v) { return QByteArray::fromRawData(v.data(), v.size()); }
     static QByteArray clean(QByteArrayView v) { return CleanAsciiNamePart(v); }
     static QString text(QByteArrayView v) { return QString::fromLatin1(v); }
