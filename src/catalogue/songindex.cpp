@@ -426,13 +426,24 @@ struct SavedHeader {
 constexpr char kMagic[8] = {'K', 'V', 'S', 'O', 'N', 'G', 'I', 'X'};
 constexpr quint32 kSavedVersion = 1;
 
-bool writeBytes(QIODevice& f, const void* data, size_t bytes) {
-    return f.write(static_cast<const char*>(data), qint64(bytes)) == qint64(bytes);
+// Written a few megabytes at a time, so that a `stop` is heeded soon.
+bool writeBytes(QIODevice& f, const void* data, size_t bytes, const std::atomic<bool>* stop) {
+    constexpr size_t kChunk = 4 << 20;
+    const char* at = static_cast<const char*>(data);
+    for (size_t done = 0; done < bytes;) {
+        if (stop && stop->load(std::memory_order_relaxed))
+            return false;
+        const size_t n = std::min(kChunk, bytes - done);
+        if (f.write(at + done, qint64(n)) != qint64(n))
+            return false;
+        done += n;
+    }
+    return true;
 }
 
 } // namespace
 
-bool SongIndex::save(const QString& path, qint64 maxId) const {
+bool SongIndex::save(const QString& path, qint64 maxId, const std::atomic<bool>* stop) const {
     QFile f(path);
     if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return false;
@@ -446,9 +457,10 @@ bool SongIndex::save(const QString& path, qint64 maxId) const {
     h.longest = quint64(m_longest);
     const auto rows = size_t(m_rows);
     const bool written = f.write(reinterpret_cast<const char*>(&h), sizeof h) == qint64(sizeof h) &&
-                         writeBytes(f, m_idAt, rows * sizeof(qint64)) &&
-                         writeBytes(f, m_startAt, (rows + 1) * sizeof(uint32_t)) &&
-                         writeBytes(f, m_shownAt, rows) && writeBytes(f, m_block.data(), m_block.size());
+                         writeBytes(f, m_idAt, rows * sizeof(qint64), stop) &&
+                         writeBytes(f, m_startAt, (rows + 1) * sizeof(uint32_t), stop) &&
+                         writeBytes(f, m_shownAt, rows, stop) &&
+                         writeBytes(f, m_block.data(), m_block.size(), stop);
     if (!written || !f.flush()) {
         f.close();
         f.remove();

@@ -38,8 +38,8 @@ public:
     // need not read it again (the caller puts it in place by a rename once it
     // is whole). `maxId` is the catalogue's highest song id, kept to check
     // the file against it. False, with no file left, when it could not be
-    // written.
-    bool save(const QString& path, qint64 maxId) const;
+    // written, or `stop` was set meanwhile.
+    bool save(const QString& path, qint64 maxId, const std::atomic<bool>* stop = nullptr) const;
     // Reads a saved index; null when the file is missing or damaged, or was
     // made for another folding or another highest id.
     static std::shared_ptr<const SongIndex> load(const QString& path, bool accentBlind, qint64 maxId);
@@ -102,16 +102,6 @@ public:
     // (a word longer than SQLite allows a pattern to be, a stray half of a
     // surrogate pair, a NUL): the caller then runs the statement.
     bool usable() const { return m_usable; }
-    // The index as a file, so that the next program to open the catalogue
-    // need not read it again (the caller puts it in place by a rename once it
-    // is whole). `maxId` is the catalogue's highest song id, kept to check
-    // the file against it. False, with no file left, when it could not be
-    // written.
-    bool save(const QString& path, qint64 maxId) const;
-    // Reads a saved index; null when the file is missing or damaged, or was
-    // made for another folding or another highest id.
-    static std::shared_ptr<const SongIndex> load(const QString& path, bool accentBlind, qint64 maxId);
-
     bool accentBlind() const { return m_accentBlind; }
     // Whether the folded name of a row matches every word.
     bool matches(std::string_view folded) const;

@@ -220,7 +220,8 @@ void SongIndexKeeper::startBuild(bool accentBlind) {
         // next start, follows.
         QMetaObject::invokeMethod(
             this, [this, serial, index, stamp] { finishBuild(serial, index, stamp); }, Qt::QueuedConnection);
-        if (index && maxId >= 0 && !m_stop && index->save(saveTo, maxId))
+        // A read started meanwhile stops the copy rather than wait for it.
+        if (index && maxId >= 0 && !m_stop && index->save(saveTo, maxId, &m_stop))
             QMetaObject::invokeMethod(
                 this, [this, serial] { finishSave(serial); }, Qt::QueuedConnection);
     });

@@ -12,6 +12,7 @@
 #include <QFile>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <sqlite3.h>
@@ -345,6 +346,23 @@ private slots:
         }
         QVERIFY(q.exec(QStringLiteral("Update tblKaraokeTracks Set Notes = 'x' Where ArtistName = 'Zed'")));
         QVERIFY(!QFile::exists(saved));
+    }
+
+    // A copy stopped before its end leaves no file; one let run is read back.
+    void stoppedCopyLeavesNoFile() {
+        QVERIFY(SongIndexKeeper::instance().buildNow(false));
+        const auto index = SongIndexKeeper::instance().current(false);
+        QVERIFY(index);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("copy"));
+        std::atomic<bool> stop{true};
+        QVERIFY(!index->save(path, 7, &stop));
+        QVERIFY(!QFile::exists(path));
+        stop = false;
+        QVERIFY(index->save(path, 7, &stop));
+        const auto loaded = SongIndex::load(path, false, 7);
+        QVERIFY(loaded);
+        QCOMPARE(loaded->block(), index->block());
     }
 
     // A word longer than SQLite takes as a pattern is left to the statement,
